@@ -7,13 +7,15 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 enum class EFileOpen
 {
     CreateTruncate, // create or empty the file, read-write
     OpenExisting,   // read-write, fail when missing
-    ReadOnly        // read only, fail when missing
+    ReadOnly,       // read only, fail when missing
+    OpenOrCreate    // read-write, created when missing, never truncated
 };
 
 enum class EFileShare
@@ -70,6 +72,10 @@ IFileSystem& DiskFileSystem();
 bool ReadWholeFile(IFileSystem& fs, const std::u16string& path, std::string& bytes, int& cause);
 // Creates or truncates and writes a whole file.
 bool WriteWholeFile(IFileSystem& fs, const std::u16string& path, std::string_view bytes, int& cause);
+
+// The wildcard match of ListFolder: '*' for any run, '?' for one character, ASCII letters
+// without regard to case.
+bool MatchesFilePattern(std::u16string_view name, std::u16string_view pattern);
 
 // Path helpers for '/'-separated paths.
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view name);
