@@ -4,35 +4,39 @@
 // groups' Visit functions (MajorPrefsGroups.cpp, ProjectPrefsGroups.cpp).
 //
 // Keys whose defaults and checks are our own choice:
+// clang-format off
 //
-// | Key                                    | Default                        | Check / meaning |
-// |----------------------------------------|--------------------------------|-------------------------------------|
-// | OtherPrefsAutoSaveMinutes              | 3                              | 1..1440, else 3 | |
-// AutoClosePasswordProtectedFileMinutes  | 0                              | minutes; 0 never closes; 0..1440
-// | | BackupPrefsBackupInterval              | 320                            | minutes; 1..527040, else 320
-// | | BackupPrefsDelOldBackupDays            | 7                              | 0..36600, else 7 | |
-// BackupPrefsLastBackupDate              | 0 (no backup yet)              | OLE date; future or not a number:
-// 0 | | PwdGenPrefsPdwsNumTogenerate, ...PwdLen| 1, 10                          | clamped to 1..1000 | |
-// GlobalSrchText, FindReplDlgFindLine,   | empty                          | | |   FindReplDlgReplaceLine | |
-// | | GlobalSrchMatchCase, GlobalSrchWhole-  | false                          | | |   Words, GlobalSrchBool,
-// FindReplDlg-  |                                |                                     | |   MatchCase | | |
-// | MainWndTreeWidth                       | 250                            | pixels; 20..10000, else 250 |
-// | FolderListCardWidth                    | 200                            | pixels; 40..4000, else 200 | |
-// FolderListCardHeight                   | 150                            | pixels; 30..4000, else 150 | |
-// StartupCheckFileExtAssociations        | true                           | | | StartupRunWithOSStart | false
-// | see COsAutoStart                    | | InternetIncludeBetaWhenCheck           | false | | |
-// RecentFilePath                         | documents folder +             | | | |   "Quillarium
-// Documents.ddb"   |                                     | | SkinPath                               |
-// "Skins/Default"                | relative to the program folder      | | SkinThemeName | empty | the skin's
-// own default theme        | | SoundPath                              | "Sounds/Default"               |
-// relative to the program folder      | | LanguagePath                           | empty | no module chosen:
-// pick by language  | | LastAccessedFileOpenPath, ...SavePath  | empty                          | | |
-// idGeneratorState, NavigationState      | empty                          | opaque bytes of their owners,
-// base64| | WindowPlacements                       | empty                          | see WindowPlacements.h
-// | | AIDCounter                             | 0                              | next alarm ID to hand out |
-// | NCounter, FCounter                     | 0                              | notes and folders created so
-// far    | | LastAID                                | 0                              | last alarm ID that has
-// fired        |
+// Key                                          Default                       Check, meaning
+// OtherPrefsAutoSaveMinutes                    3                             1..1440, else 3
+// AutoClosePasswordProtectedFileMinutes        0                             0 never; 0..1440, else 0
+// BackupPrefsBackupInterval                    320                           minutes; 1..527040, else 320
+// BackupPrefsDelOldBackupDays                  7                             0..36600, else 7
+// BackupPrefsLastBackupDate                    0 (no backup yet)             OLE date; future or NaN: 0
+// PwdGenPrefsPdwsNumTogenerate                 1                             clamped to 1..1000
+// PwdGenPrefsPwdLen                            10                            clamped to 1..1000
+// GlobalSrchText                               empty
+// FindReplDlgFindLine, ...ReplaceLine          empty
+// GlobalSrchMatchCase, ...WholeWords, ...Bool  false
+// FindReplDlgMatchCase                         false
+// MainWndTreeWidth                             250                           pixels; 20..10000, else 250
+// FolderListCardWidth                          200                           pixels; 40..4000, else 200
+// FolderListCardHeight                         150                           pixels; 30..4000, else 150
+// StartupCheckFileExtAssociations              true
+// StartupRunWithOSStart                        false                         applied by COsAutoStart
+// InternetIncludeBetaWhenCheck                 false
+// RecentFilePath                               documents folder + data file  DefaultDataFileName
+// SkinPath                                     "Skins/Default"               relative to the program folder
+// SkinThemeName                                empty                         the skin's own default theme
+// SoundPath                                    "Sounds/Default"              relative to the program folder
+// LanguagePath                                 empty                         none chosen: by user language
+// LastAccessedFileOpenPath, ...SavePath        empty
+// idGeneratorState, NavigationState            empty                         owners' bytes, base-64
+// WindowPlacements                             empty                         layout in WindowPlacements.h
+// AIDCounter                                   0                             next alarm ID to hand out
+// NCounter, FCounter                           0                             notes, folders created so far
+// LastAID                                      0                             last alarm ID that has fired
+//
+// clang-format on
 //
 // "Major" groups are the shell's (paths, start-up, tray, internet, recent files, window
 // placements); "project-specific" groups are the document's and its tools' (the rest).
