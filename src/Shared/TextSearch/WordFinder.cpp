@@ -6,7 +6,7 @@
 #include <vector>
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace
@@ -17,26 +17,69 @@ bool IsBlankOrTab(char16_t unit)
 }
 
 #if defined(__SSE2__)
-struct SVectorTest
+// The candidate scans run 16 (SSE2) or 32 (AVX2) positions per step. TwoA and TwoB say whether a
+// unit test has a second value; with one value the second comparison is left out.
+struct SSse2Test
 {
     __m128i orMask;
     __m128i first;
     __m128i second;
 };
 
-inline __m128i PassesTest(const char16_t* units, const SVectorTest& test)
+template <bool Two> inline __m128i Passes128(const char16_t* units, const SSse2Test& test)
 {
     const __m128i value = _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)), test.orMask);
-    return _mm_or_si128(_mm_cmpeq_epi16(value, test.first), _mm_cmpeq_epi16(value, test.second));
+    const __m128i passes = _mm_cmpeq_epi16(value, test.first);
+    if constexpr (Two)
+        return _mm_or_si128(passes, _mm_cmpeq_epi16(value, test.second));
+    return passes;
 }
 
-// One bit per position p .. p+15 whose two tested units both pass.
-inline uint32_t CandidateBits(const char16_t* at, size_t offsetA, size_t offsetB, const SVectorTest& a,
-                              const SVectorTest& b)
+// One bit per position at .. at+15 whose two tested units both pass.
+template <bool TwoA, bool TwoB>
+inline uint32_t CandidateBits128(const char16_t* at, size_t offsetA, size_t offsetB, const SSse2Test& a,
+                                 const SSse2Test& b)
 {
-    const __m128i low = _mm_and_si128(PassesTest(at + offsetA, a), PassesTest(at + offsetB, b));
-    const __m128i high = _mm_and_si128(PassesTest(at + offsetA + 8, a), PassesTest(at + offsetB + 8, b));
+    const __m128i low = _mm_and_si128(Passes128<TwoA>(at + offsetA, a), Passes128<TwoB>(at + offsetB, b));
+    const __m128i high =
+        _mm_and_si128(Passes128<TwoA>(at + offsetA + 8, a), Passes128<TwoB>(at + offsetB + 8, b));
     return uint32_t(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+}
+
+struct SAvx2Test
+{
+    __m256i orMask;
+    __m256i first;
+    __m256i second;
+};
+
+template <bool Two>
+__attribute__((target("avx2"))) inline __m256i Passes256(const char16_t* units, const SAvx2Test& test)
+{
+    const __m256i value =
+        _mm256_or_si256(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(units)), test.orMask);
+    const __m256i passes = _mm256_cmpeq_epi16(value, test.first);
+    if constexpr (Two)
+        return _mm256_or_si256(passes, _mm256_cmpeq_epi16(value, test.second));
+    return passes;
+}
+
+// One bit per position at .. at+31; the lane-wise pack is put back in order by the permute.
+template <bool TwoA, bool TwoB>
+__attribute__((target("avx2"))) inline uint32_t
+CandidateBits256(const char16_t* at, size_t offsetA, size_t offsetB, const SAvx2Test& a, const SAvx2Test& b)
+{
+    const __m256i low = _mm256_and_si256(Passes256<TwoA>(at + offsetA, a), Passes256<TwoB>(at + offsetB, b));
+    const __m256i high =
+        _mm256_and_si256(Passes256<TwoA>(at + offsetA + 16, a), Passes256<TwoB>(at + offsetB + 16, b));
+    const __m256i packed = _mm256_permute4x64_epi64(_mm256_packs_epi16(low, high), 0xD8);
+    return uint32_t(_mm256_movemask_epi8(packed));
+}
+
+bool HasAvx2()
+{
+    static const bool hasAvx2 = __builtin_cpu_supports("avx2");
+    return hasAvx2;
 }
 #endif
 } // namespace
@@ -56,6 +99,7 @@ bool CWordFinder::BuildUnitTest(char16_t unit, bool matchCase, SUnitTest& test)
     const std::vector<char16_t> forms = matchCase ? std::vector<char16_t>{unit} : UnitsFoldingTo(unit);
     if (forms.empty())
         return false;
+    size_t fewestImages = 3;
     for (uint16_t orMask : {uint16_t(0), uint16_t(0x20)})
     {
         std::vector<uint16_t> images;
@@ -63,46 +107,41 @@ bool CWordFinder::BuildUnitTest(char16_t unit, bool matchCase, SUnitTest& test)
             images.push_back(uint16_t(form | orMask));
         std::sort(images.begin(), images.end());
         images.erase(std::unique(images.begin(), images.end()), images.end());
-        if (images.size() <= 2)
+        if (images.size() < fewestImages)
         {
+            fewestImages = images.size();
             test = SUnitTest{orMask, images.front(), images.back()};
-            return true;
         }
     }
-    return false;
+    return fewestImages <= 2;
 }
 
 // Testing the first and the last usable unit spreads the two tests apart; a trailing blank is
 // passed over because blanks are too common to filter anything out.
 void CWordFinder::ChoosePrefilter()
 {
-    std::vector<size_t> usable;
-    std::vector<SUnitTest> tests;
-    for (size_t i = 0; i < m_Word.size(); ++i)
-    {
-        SUnitTest test;
-        if (BuildUnitTest(m_Word[i], m_MatchCase, test))
-        {
-            usable.push_back(i);
-            tests.push_back(test);
-        }
-    }
-    if (usable.empty())
+    size_t offsetA = 0;
+    while (offsetA < m_Word.size() && !BuildUnitTest(m_Word[offsetA], m_MatchCase, m_TestA))
+        ++offsetA;
+    if (offsetA == m_Word.size())
         return;
-    size_t chosenB = usable.size() - 1;
-    for (size_t i = usable.size(); i-- > 1;)
+    m_HasPrefilter = true;
+    m_OffsetA = m_OffsetB = offsetA;
+    m_TestB = m_TestA;
+    for (bool blanksAllowed : {false, true})
     {
-        if (!IsBlankOrTab(m_Word[usable[i]]))
+        for (size_t offsetB = m_Word.size() - 1; offsetB > offsetA; --offsetB)
         {
-            chosenB = i;
-            break;
+            SUnitTest test;
+            if ((blanksAllowed || !IsBlankOrTab(m_Word[offsetB])) &&
+                BuildUnitTest(m_Word[offsetB], m_MatchCase, test))
+            {
+                m_OffsetB = offsetB;
+                m_TestB = test;
+                return;
+            }
         }
     }
-    m_HasPrefilter = true;
-    m_OffsetA = usable.front();
-    m_TestA = tests.front();
-    m_OffsetB = usable[chosenB];
-    m_TestB = tests[chosenB];
 }
 
 size_t CWordFinder::Find(std::u16string_view text, size_t start) const
@@ -136,28 +175,76 @@ bool CWordFinder::IsWholeWordAt(std::u16string_view text, size_t position) const
            (end >= text.size() || !IsWordChar(text[end]));
 }
 
-size_t CWordFinder::FindWithPrefilter(std::u16string_view text, size_t start) const
-{
-    const size_t last = text.size() - m_Word.size();
-    size_t position = start;
 #if defined(__SSE2__)
-    const SVectorTest a{_mm_set1_epi16(short(m_TestA.orMask)), _mm_set1_epi16(short(m_TestA.first)),
-                        _mm_set1_epi16(short(m_TestA.second))};
-    const SVectorTest b{_mm_set1_epi16(short(m_TestB.orMask)), _mm_set1_epi16(short(m_TestB.first)),
-                        _mm_set1_epi16(short(m_TestB.second))};
-    // The loads reach position + 15 + the larger offset, which stays inside the text while
-    // position + 15 <= last.
-    for (; position + 15 <= last; position += 16)
+// Positions whose tested units pass are compared in full, in order. The loads of a step reach
+// position + step - 1 + the larger offset, which stays inside the text while
+// position + step - 1 <= last. Returns NotFound with `position` at the first unscanned position.
+template <bool TwoA, bool TwoB>
+__attribute__((target("avx2"))) size_t CWordFinder::ScanAvx2(std::u16string_view text, size_t& position,
+                                                             size_t last) const
+{
+    const SAvx2Test a{_mm256_set1_epi16(short(m_TestA.orMask)), _mm256_set1_epi16(short(m_TestA.first)),
+                      _mm256_set1_epi16(short(m_TestA.second))};
+    const SAvx2Test b{_mm256_set1_epi16(short(m_TestB.orMask)), _mm256_set1_epi16(short(m_TestB.first)),
+                      _mm256_set1_epi16(short(m_TestB.second))};
+    for (; position + 31 <= last; position += 32)
     {
-        uint32_t bits = CandidateBits(text.data() + position, m_OffsetA, m_OffsetB, a, b);
-        while (bits != 0)
+        uint32_t bits = CandidateBits256<TwoA, TwoB>(text.data() + position, m_OffsetA, m_OffsetB, a, b);
+        for (; bits != 0; bits &= bits - 1)
         {
             const size_t candidate = position + size_t(__builtin_ctz(bits));
             if (IsAcceptedAt(text, candidate))
                 return candidate;
-            bits &= bits - 1;
         }
     }
+    return NotFound;
+}
+
+template <bool TwoA, bool TwoB>
+size_t CWordFinder::ScanSse2(std::u16string_view text, size_t& position, size_t last) const
+{
+    const SSse2Test a{_mm_set1_epi16(short(m_TestA.orMask)), _mm_set1_epi16(short(m_TestA.first)),
+                      _mm_set1_epi16(short(m_TestA.second))};
+    const SSse2Test b{_mm_set1_epi16(short(m_TestB.orMask)), _mm_set1_epi16(short(m_TestB.first)),
+                      _mm_set1_epi16(short(m_TestB.second))};
+    for (; position + 15 <= last; position += 16)
+    {
+        uint32_t bits = CandidateBits128<TwoA, TwoB>(text.data() + position, m_OffsetA, m_OffsetB, a, b);
+        for (; bits != 0; bits &= bits - 1)
+        {
+            const size_t candidate = position + size_t(__builtin_ctz(bits));
+            if (IsAcceptedAt(text, candidate))
+                return candidate;
+        }
+    }
+    return NotFound;
+}
+
+template <bool TwoA, bool TwoB>
+size_t CWordFinder::ScanVectors(std::u16string_view text, size_t& position) const
+{
+    const size_t last = text.size() - m_Word.size();
+    if (HasAvx2())
+    {
+        const size_t found = ScanAvx2<TwoA, TwoB>(text, position, last);
+        if (found != NotFound)
+            return found;
+    }
+    return ScanSse2<TwoA, TwoB>(text, position, last);
+}
+#endif
+
+size_t CWordFinder::FindWithPrefilter(std::u16string_view text, size_t start) const
+{
+    size_t position = start;
+#if defined(__SSE2__)
+    const bool twoA = m_TestA.first != m_TestA.second;
+    const bool twoB = m_TestB.first != m_TestB.second;
+    const size_t found =
+        twoA ? (twoB ? ScanVectors<true, true>(text, position) : ScanVectors<true, false>(text, position))
+             : (twoB ? ScanVectors<false, true>(text, position) : ScanVectors<false, false>(text, position));
+    if (found != NotFound)
+        return found;
 #endif
     return FindByComparing(text, position);
 }

@@ -1,7 +1,7 @@
 #pragma once
 // One search word prepared for repeated searching: the word as compared (folded when case is
-// ignored), its whole-word boundary and a prefilter that tests two of its units for 16 text
-// positions at a time before a position is compared in full.
+// ignored), its whole-word boundary and a prefilter that tests two of its units for 16 or 32 text
+// positions at a time (SSE2, or AVX2 where the processor has it) before a position is compared in full.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -46,6 +46,11 @@ private:
     bool IsAcceptedAt(std::u16string_view text, size_t position) const;
     bool MatchesAt(std::u16string_view text, size_t position) const;
     bool IsWholeWordAt(std::u16string_view text, size_t position) const;
+    template <bool TwoA, bool TwoB> size_t ScanVectors(std::u16string_view text, size_t& position) const;
+    template <bool TwoA, bool TwoB>
+    size_t ScanAvx2(std::u16string_view text, size_t& position, size_t last) const;
+    template <bool TwoA, bool TwoB>
+    size_t ScanSse2(std::u16string_view text, size_t& position, size_t last) const;
     size_t FindWithPrefilter(std::u16string_view text, size_t start) const;
     size_t FindByComparing(std::u16string_view text, size_t start) const;
 
