@@ -14,8 +14,9 @@ bool IsAbsoluteFolder(std::u16string_view folder)
     return !folder.empty() && folder.front() == u'/';
 }
 
-// Inside a quoted Exec argument '"', '`', '$' and '\' take a backslash; the value itself then
-// doubles every backslash, and '%' is doubled because it starts field codes.
+// Inside a quoted Exec argument '"', '`', '$' and '\' take a backslash; the string escaping of
+// the value then doubles every backslash (so '$' becomes "\\$" and '\' four backslashes), and
+// '%' is doubled because it starts field codes.
 bool QuoteExecArgument(std::u16string_view argument, std::u16string& quoted)
 {
     quoted = u"\"";
@@ -24,7 +25,7 @@ bool QuoteExecArgument(std::u16string_view argument, std::u16string& quoted)
         if (ch < 0x20 || ch == 0x7F)
             return false;
         if (ch == u'"' || ch == u'`' || ch == u'$')
-            quoted += u'\\';
+            quoted += u"\\\\";
         else if (ch == u'\\')
             quoted += u"\\\\\\";
         else if (ch == u'%')
