@@ -1,17 +1,10 @@
 #include "TempFolder.h"
 
+#include "Shared/Base/TextConv.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-
-namespace
-{
-std::u16string Widen(const std::string& ascii)
-{
-    // Temporary paths are ASCII (mkdtemp template under TMPDIR or /tmp).
-    return std::u16string(ascii.begin(), ascii.end());
-}
-} // namespace
 
 CTempFolder::CTempFolder()
 {
@@ -30,10 +23,10 @@ CTempFolder::~CTempFolder()
 
 std::u16string CTempFolder::Path16() const
 {
-    return Widen(m_Path);
+    return Utf8ToUtf16(m_Path);
 }
 
 std::u16string CTempFolder::File16(const std::string& name) const
 {
-    return Widen(m_Path + "/" + name);
+    return Utf8ToUtf16(m_Path + "/" + name);
 }
