@@ -31,7 +31,7 @@ void ChangeEveryValue(CPreferences& p)
     p.Editor().lastUsedSpellDictionary = u"de_DE";
     p.Editor().recentFonts.Assign({u"Arial", u"Tahoma"});
     p.Search() = {u"+alpha -beta", true, true, true, u"find me", u"with=this", true};
-    p.PwdGen() = {5, 16, false, true, false, true, true};
+    p.PwdGen() = {5, 16, false, false, false, true, true};
     p.Layout() = {400, 220, 180};
     p.DocumentState().recentFilePath = u"/data/My.ddb";
     p.DocumentState().idGeneratorState = {0, 1, 2, 0xFF};
@@ -42,70 +42,12 @@ void ChangeEveryValue(CPreferences& p)
     p.DocumentState().lastAlarmId = 77;
 }
 
-void ExpectSameValues(const CPreferences& a, const CPreferences& b)
+// The file text that `prefs` saves; two stores with equal texts hold equal values, since every
+// value is written (empty texts and lists read back as their defaults either way).
+std::u16string SavedText(CPreferences& prefs, SPrefsFixture& fixture)
 {
-    EXPECT_EQ(a.Paths().skinPath, b.Paths().skinPath);
-    EXPECT_EQ(a.Paths().skinThemeName, b.Paths().skinThemeName);
-    EXPECT_EQ(a.Paths().soundPath, b.Paths().soundPath);
-    EXPECT_EQ(a.Paths().languagePath, b.Paths().languagePath);
-    EXPECT_EQ(a.Paths().lastAccessedFileOpenPath, b.Paths().lastAccessedFileOpenPath);
-    EXPECT_EQ(a.Paths().lastAccessedFileSavePath, b.Paths().lastAccessedFileSavePath);
-    EXPECT_EQ(a.Startup().hideWhenRunWithOsStart, b.Startup().hideWhenRunWithOsStart);
-    EXPECT_EQ(a.Startup().showFirstLaunchWizard, b.Startup().showFirstLaunchWizard);
-    EXPECT_EQ(a.Startup().checkFileExtAssociations, b.Startup().checkFileExtAssociations);
-    EXPECT_EQ(a.Startup().runWithOsStart, b.Startup().runWithOsStart);
-    EXPECT_EQ(a.SysTray().show, b.SysTray().show);
-    EXPECT_EQ(a.SysTray().rightClickOnly, b.SysTray().rightClickOnly);
-    EXPECT_EQ(a.SysTray().minimizeToTray, b.SysTray().minimizeToTray);
-    EXPECT_EQ(a.SysTray().closeToTray, b.SysTray().closeToTray);
-    EXPECT_EQ(a.SysTray().alwaysOnTop, b.SysTray().alwaysOnTop);
-    EXPECT_EQ(a.Internet().checkForAutoUpdate, b.Internet().checkForAutoUpdate);
-    EXPECT_EQ(a.Internet().includeBetaWhenCheck, b.Internet().includeBetaWhenCheck);
-    EXPECT_EQ(a.ShellState().recentFiles.Items(), b.ShellState().recentFiles.Items());
-    EXPECT_EQ(a.ShellState().windowPlacements, b.ShellState().windowPlacements);
-    EXPECT_EQ(a.Other().autoSaveData, b.Other().autoSaveData);
-    EXPECT_EQ(a.Other().autoSaveMinutes, b.Other().autoSaveMinutes);
-    EXPECT_EQ(a.Other().autoClosePasswordProtectedFileMinutes,
-              b.Other().autoClosePasswordProtectedFileMinutes);
-    EXPECT_EQ(a.Backup().enableAutobackup, b.Backup().enableAutobackup);
-    EXPECT_EQ(a.Backup().backupOnExit, b.Backup().backupOnExit);
-    EXPECT_EQ(a.Backup().backupIntervalMinutes, b.Backup().backupIntervalMinutes);
-    EXPECT_EQ(a.Backup().delOldBackupDays, b.Backup().delOldBackupDays);
-    EXPECT_EQ(a.Backup().backupFolder, b.Backup().backupFolder);
-    EXPECT_EQ(a.Backup().lastBackupDate, b.Backup().lastBackupDate);
-    EXPECT_EQ(a.Editor().fontName, b.Editor().fontName);
-    EXPECT_EQ(a.Editor().fontSize, b.Editor().fontSize);
-    EXPECT_EQ(a.Editor().bulletCharacter, b.Editor().bulletCharacter);
-    EXPECT_EQ(a.Editor().spacesInTab, b.Editor().spacesInTab);
-    EXPECT_EQ(a.Editor().dateStampFormat, b.Editor().dateStampFormat);
-    EXPECT_EQ(a.Editor().timeStampFormat, b.Editor().timeStampFormat);
-    EXPECT_EQ(a.Editor().stampDateTimeForEachNewLine, b.Editor().stampDateTimeForEachNewLine);
-    EXPECT_EQ(a.Editor().lastUsedSpellDictionary, b.Editor().lastUsedSpellDictionary);
-    EXPECT_EQ(a.Editor().recentFonts.Items(), b.Editor().recentFonts.Items());
-    EXPECT_EQ(a.Search().globalText, b.Search().globalText);
-    EXPECT_EQ(a.Search().globalMatchCase, b.Search().globalMatchCase);
-    EXPECT_EQ(a.Search().globalWholeWords, b.Search().globalWholeWords);
-    EXPECT_EQ(a.Search().globalBoolean, b.Search().globalBoolean);
-    EXPECT_EQ(a.Search().findLine, b.Search().findLine);
-    EXPECT_EQ(a.Search().replaceLine, b.Search().replaceLine);
-    EXPECT_EQ(a.Search().findMatchCase, b.Search().findMatchCase);
-    EXPECT_EQ(a.PwdGen().passwordsToGenerate, b.PwdGen().passwordsToGenerate);
-    EXPECT_EQ(a.PwdGen().passwordLength, b.PwdGen().passwordLength);
-    EXPECT_EQ(a.PwdGen().allowLowercase, b.PwdGen().allowLowercase);
-    EXPECT_EQ(a.PwdGen().allowUppercase, b.PwdGen().allowUppercase);
-    EXPECT_EQ(a.PwdGen().allowNumeric, b.PwdGen().allowNumeric);
-    EXPECT_EQ(a.PwdGen().allowPunctuation, b.PwdGen().allowPunctuation);
-    EXPECT_EQ(a.PwdGen().noSimilarChars, b.PwdGen().noSimilarChars);
-    EXPECT_EQ(a.Layout().mainWndTreeWidth, b.Layout().mainWndTreeWidth);
-    EXPECT_EQ(a.Layout().folderListCardWidth, b.Layout().folderListCardWidth);
-    EXPECT_EQ(a.Layout().folderListCardHeight, b.Layout().folderListCardHeight);
-    EXPECT_EQ(a.DocumentState().recentFilePath, b.DocumentState().recentFilePath);
-    EXPECT_EQ(a.DocumentState().idGeneratorState, b.DocumentState().idGeneratorState);
-    EXPECT_EQ(a.DocumentState().navigationState, b.DocumentState().navigationState);
-    EXPECT_EQ(a.DocumentState().alarmIdCounter, b.DocumentState().alarmIdCounter);
-    EXPECT_EQ(a.DocumentState().noteCounter, b.DocumentState().noteCounter);
-    EXPECT_EQ(a.DocumentState().folderCounter, b.DocumentState().folderCounter);
-    EXPECT_EQ(a.DocumentState().lastAlarmId, b.DocumentState().lastAlarmId);
+    EXPECT_TRUE(prefs.Save(u"/prog/compare.ini"));
+    return Utf16LeBytesToText(fixture.fs.Bytes(u"/prog/compare.ini"));
 }
 
 // Throws from one part when told to, as a broken group would.
@@ -137,18 +79,27 @@ TEST(PreferencesSave, EveryValueSurvivesASaveAndLoad)
     SPrefsFixture fixture;
     CLogCapture log;
     CPreferences saved(fixture.Env());
+    CPreferences defaults(fixture.Env());
     ChangeEveryValue(saved);
     ASSERT_TRUE(saved.Save(SPrefsFixture::IniPath));
+    const std::u16string savedText = fixture.IniText();
+
+    // Every line differs from the defaults' file, so no value can hide behind its default.
+    const std::u16string defaultText = u"\n" + SavedText(defaults, fixture).substr(1);
+    for (size_t start = 1, end; (end = savedText.find(u"\r\n", start)) != std::u16string::npos;
+         start = end + 2)
+        EXPECT_EQ(defaultText.find(u"\n" + savedText.substr(start, end - start + 2)), std::u16string::npos)
+            << Utf16ToUtf8(savedText.substr(start, end - start));
 
     CPreferences loaded(fixture.Env());
     ASSERT_TRUE(loaded.Load(SPrefsFixture::IniPath));
-    ExpectSameValues(saved, loaded);
+    EXPECT_EQ(SavedText(loaded, fixture), savedText);
+    EXPECT_EQ(loaded.ShellState().windowPlacements, saved.ShellState().windowPlacements);
+    EXPECT_EQ(loaded.DocumentState().idGeneratorState, saved.DocumentState().idGeneratorState);
+    EXPECT_EQ(loaded.DocumentState().alarmIdCounter, 4000000000u);
+    EXPECT_EQ(loaded.Backup().lastBackupDate, 43999.125);
+    EXPECT_EQ(loaded.Search().replaceLine, u"with=this");
     EXPECT_TRUE(log.Messages().empty());
-
-    // Saving what was loaded writes the same bytes again.
-    const std::string first = fixture.fs.Bytes(SPrefsFixture::IniPath);
-    ASSERT_TRUE(loaded.Save(SPrefsFixture::IniPath));
-    EXPECT_EQ(fixture.fs.Bytes(SPrefsFixture::IniPath), first);
 }
 
 TEST(PreferencesSave, DefaultsSurviveASaveAndLoadIntoChangedPreferences)
@@ -159,7 +110,7 @@ TEST(PreferencesSave, DefaultsSurviveASaveAndLoadIntoChangedPreferences)
     CPreferences changed(fixture.Env());
     ChangeEveryValue(changed);
     ASSERT_TRUE(changed.Load(SPrefsFixture::IniPath));
-    ExpectSameValues(defaults, changed);
+    EXPECT_EQ(SavedText(changed, fixture), SavedText(defaults, fixture));
 }
 
 TEST(PreferencesSave, FileHoldsUtf16LinesWithNumberedKeysAndNoEmptyValues)
@@ -204,7 +155,7 @@ TEST(PreferencesSave, ResetRestoresDefaults)
     CPreferences prefs(fixture.Env());
     ChangeEveryValue(prefs);
     prefs.Reset();
-    ExpectSameValues(fresh, prefs);
+    EXPECT_EQ(SavedText(prefs, fixture), SavedText(fresh, fixture));
 }
 
 TEST(PreferencesSave, FailingPartsAreLoggedAndTheOtherPartStillWorks)
