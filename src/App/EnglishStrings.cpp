@@ -160,6 +160,17 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"PWDGEN_DLG_PWD_STRGH_STRONG_LABEL=Strong",
     u"PWDGEN_DLG_PWD_STRGH_WEAK_LABEL=Weak",
     u"PWDGEN_DLG_UPPERCASE_CHK=Upper case letters (A-Z)",
+
+    // Captions of the nine default folders (item tree, kinds 0-8)
+    u"FOLDER_NOTES=Notes",
+    u"FOLDER_TASKS=Tasks",
+    u"FOLDER_CONTACTS=Contacts",
+    u"FOLDER_IDEAS=Ideas",
+    u"FOLDER_JOURNAL=Journal",
+    u"FOLDER_PASSWORDS=Passwords",
+    u"FOLDER_BOOKMARKS=Bookmarks",
+    u"FOLDER_TEMPLATES=Templates",
+    u"FOLDER_RECYCLE_BIN=Recycle Bin",
 };
 } // namespace
 
