@@ -95,9 +95,6 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"FINDREPLDLG_REPLACEIN_SELECTION=Selection",
     u"FINDREPLDLG_REPLACEIN_WHOLETEXT=Whole text",
 
-    // Item tree
-    u"FOLDER_RECYCLE_BIN=Recycle Bin",
-
     // Global search
     u"GLOBALSEARCHDLG_BOOLEAN=Boolean search (AND, OR, NOT)",
     u"GLOBALSEARCHDLG_CAPTION=Search All Notes",
