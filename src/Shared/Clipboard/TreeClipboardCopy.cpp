@@ -29,6 +29,7 @@ bool OfferBlocks(IClipboard& clipboard, uint32_t treeFormat, const CArchiveWrite
 bool CopyTreeItemsToClipboard(IClipboard& clipboard, CClipboardFormats& formats,
                               const TreeItemsWriter& writeItems)
 {
+    bool opened = false;
     try
     {
         if (!clipboard.Open())
@@ -36,6 +37,7 @@ bool CopyTreeItemsToClipboard(IClipboard& clipboard, CClipboardFormats& formats,
             LogCopyFailure();
             return false;
         }
+        opened = true;
         if (!clipboard.Empty())
         {
             clipboard.Close();
@@ -45,6 +47,7 @@ bool CopyTreeItemsToClipboard(IClipboard& clipboard, CClipboardFormats& formats,
         CArchiveWriter treeData(MemoryGrowStep);
         CArchiveWriter unicodeText(MemoryGrowStep);
         writeItems(treeData, unicodeText);
+        opened = false; // offering the blocks closes the clipboard
         if (!OfferBlocks(clipboard, formats.Id(EClipboardFormat::TreeData), treeData, unicodeText))
         {
             LogCopyFailure();
@@ -55,6 +58,8 @@ bool CopyTreeItemsToClipboard(IClipboard& clipboard, CClipboardFormats& formats,
     catch (const std::exception&)
     {
         LogMessage(u"Error: general exception caught on copying data in to clipboard");
+        if (opened)
+            clipboard.Close();
         return false;
     }
 }
