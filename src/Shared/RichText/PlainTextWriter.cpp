@@ -1,5 +1,7 @@
 #include "Shared/RichText/PlainTextWriter.h"
 
+#include "Shared/RichText/TextAppend.h"
+
 #include <algorithm>
 
 void AppendPlainText(std::u16string& out, const CRtfTextLine& line)
@@ -34,6 +36,7 @@ void AppendPlainText(std::u16string& out, const CRtfTextLine& line)
 std::u16string ToPlainText(const CRichTextDocument& document)
 {
     std::u16string out;
+    out.reserve(EstimatedTextSize(document) + 2 * document.LineCount());
     const size_t count = document.LineCount();
     for (size_t i = 0; i < count; ++i)
     {

@@ -33,6 +33,11 @@ const char16_t* FamilyKeyword(uint8_t pitchAndFamily)
     }
 }
 
+bool IsWrittenAsItIs(char16_t ch)
+{
+    return ch >= u' ' && ch <= u'z' && ch != u'\\';
+}
+
 const char16_t* AlignmentKeyword(int32_t alignment)
 {
     if (alignment == CRtfTextLine::AlignLeft)
@@ -53,6 +58,7 @@ public:
     std::u16string Write()
     {
         CollectTables();
+        m_Out.reserve(3 * EstimatedTextSize(m_Document) + 1024);
         WriteHeader();
         if (m_Document.IsEmpty())
         {
@@ -169,8 +175,18 @@ private:
         m_Out += u"\\cpg1252\\lang1033\\ltrch ";
         m_CodePage = CodePage;
         const size_t end = std::min(static_cast<size_t>(segment.end) + 1, text.size());
-        for (size_t i = static_cast<size_t>(segment.start); i < end; ++i)
-            WriteCharacter(text[i]);
+        size_t at = static_cast<size_t>(segment.start);
+        while (at < end)
+        {
+            // Runs of characters written as they are go out in one append.
+            size_t runEnd = at;
+            while (runEnd < end && IsWrittenAsItIs(text[runEnd]))
+                ++runEnd;
+            m_Out.append(text, at, runEnd - at);
+            if (runEnd < end)
+                WriteCharacter(text[runEnd]);
+            at = runEnd + 1;
+        }
         m_Out += u"}";
         m_CodePage = CodePage;
     }

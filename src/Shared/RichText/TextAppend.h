@@ -28,3 +28,12 @@ inline void AppendDecimal(std::u16string& out, int64_t value)
     while (count > 0)
         out.push_back(static_cast<char16_t>(digits[--count]));
 }
+
+// The characters of all paragraphs plus a share for the segments, to size writers' output.
+template <class TDocument> size_t EstimatedTextSize(const TDocument& document)
+{
+    size_t size = 0;
+    for (const auto& line : document.Lines())
+        size += line.Text().size() + 16 * line.Blocks().size();
+    return size;
+}
