@@ -1,7 +1,7 @@
 #include "Shared/Base/File.h"
 #include "Shared/Base/MemFileSystem.h"
 #include "Shared/Base/TextConv.h"
-#include "TempFolder.h"
+#include "Support/TempFolder.h"
 
 #include <gtest/gtest.h>
 

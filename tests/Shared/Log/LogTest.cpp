@@ -3,7 +3,7 @@
 #include "Shared/Base/MemFileSystem.h"
 #include "Shared/Base/OleDate.h"
 #include "Shared/Base/TextConv.h"
-#include "TempFolder.h"
+#include "Support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
