@@ -61,7 +61,8 @@ public:
     virtual bool CreateFolder(const std::u16string& path, int& cause) = 0; // with missing parents
     // Entries of `folder` whose names match `pattern` ("*" and "?" wildcards, case-insensitive
     // for ASCII), sorted by name.
-    virtual std::vector<SFolderEntry> ListFolder(const std::u16string& folder, const std::u16string& pattern) = 0;
+    virtual std::vector<SFolderEntry> ListFolder(const std::u16string& folder,
+                                                 const std::u16string& pattern) = 0;
     virtual bool IsWritableFolder(const std::u16string& folder) = 0;
 };
 

@@ -3,8 +3,9 @@
 // UTF-16 and UTF-8 text and a wrong argument is detected instead of being undefined behaviour.
 //
 // Conversions: %s %S %d %i %u %f %x %X %c %%, with the flags '-', '0', '+', ' ', '#', a width and a
-// precision given as numbers, and the length modifiers h, hh, l, ll and I64, which narrow or widen
-// the integer as the C library would (%hhX prints the low byte).
+// precision given as numbers, and the length modifiers h, hh, l, ll, I32 and I64, which narrow or
+// widen the integer as the C library would (%hhX prints the low byte, %d the low 32 bits, %l is 64
+// bits wide here). Text after a '%' that names no conversion is kept as written.
 #include <cstddef>
 #include <cstdint>
 #include <span>

@@ -13,20 +13,23 @@ class CMemFileSystem : public IFileSystem
 public:
     struct SFaults
     {
-        long long failWriteAfter = -1; // -1: never; 0: the next write fails
+        // -1: never; 0: the next call fails, and so does every later one until set back to -1
+        long long failWriteAfter = -1;
         long long failReadAfter = -1;
         long long failSetLengthAfter = -1;
         long long failFlushAfter = -1;
         int cause = 5; // EIO
     };
 
-    std::unique_ptr<IFile> Open(const std::u16string& path, EFileOpen mode, EFileShare share, int& cause) override;
+    std::unique_ptr<IFile> Open(const std::u16string& path, EFileOpen mode, EFileShare share,
+                                int& cause) override;
     bool Exists(const std::u16string& path) override;
     bool IsFolder(const std::u16string& path) override;
     bool Delete(const std::u16string& path, int& cause) override;
     bool Rename(const std::u16string& from, const std::u16string& to, int& cause) override;
     bool CreateFolder(const std::u16string& path, int& cause) override;
-    std::vector<SFolderEntry> ListFolder(const std::u16string& folder, const std::u16string& pattern) override;
+    std::vector<SFolderEntry> ListFolder(const std::u16string& folder,
+                                         const std::u16string& pattern) override;
     bool IsWritableFolder(const std::u16string& folder) override;
 
     // Direct access to a file's bytes (created when missing), for tests that edit single bytes.

@@ -31,5 +31,6 @@ class IMessageBox
 {
 public:
     virtual ~IMessageBox() = default;
-    virtual EMsgResult Show(const std::u16string& text, EMsgIcon icon, EMsgButtons buttons = EMsgButtons::Ok) = 0;
+    virtual EMsgResult Show(const std::u16string& text, EMsgIcon icon,
+                            EMsgButtons buttons = EMsgButtons::Ok) = 0;
 };

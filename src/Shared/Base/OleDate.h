@@ -10,12 +10,12 @@ using OleDate = double;
 
 struct SDateTimeFields
 {
-    int year = 1899;  // four digits
-    int month = 12;   // 1-12
-    int day = 30;     // 1-31
-    int hour = 0;     // 0-23
-    int minute = 0;   // 0-59
-    int second = 0;   // 0-59
+    int year = 1899;   // four digits
+    int month = 12;    // 1-12
+    int day = 30;      // 1-31
+    int hour = 0;      // 0-23
+    int minute = 0;    // 0-59
+    int second = 0;    // 0-59
     int dayOfWeek = 0; // 0 = Sunday
     int dayOfYear = 1; // 1-366
 };
