@@ -86,7 +86,8 @@ public:
     // and the blocks. Save returns 0 or the first failing element's result.
     int Serialize(CArchiveWriter& out) const;
     // Load returns 0, 1 for a version other than 100 (here or in an element), or 2; the first
-    // failing element ends the load with its result. Objects and blocks come back sorted.
+    // failing element ends the load with its result. Objects and blocks come back sorted; the
+    // alignment is kept as stored (the writers treat values other than 0, 1 and 2 themselves).
     int Serialize(CArchiveReader& in, int version);
 
     // Stored state only (text, alignment, objects, blocks).
