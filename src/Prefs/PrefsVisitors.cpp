@@ -14,9 +14,14 @@ namespace
 // back as a moment in the future.
 constexpr double StoredDateSteps = 1e6;
 
+// A date that already has six decimals must come back unchanged, or every save would move it
+// one step back; plain flooring of date * 1e6 can land one step low through rounding error.
 OleDate RoundDownToStoredPrecision(OleDate date)
 {
-    return std::floor(date * StoredDateSteps) / StoredDateSteps;
+    double steps = std::round(date * StoredDateSteps);
+    if (steps / StoredDateSteps > date)
+        steps -= 1;
+    return steps / StoredDateSteps;
 }
 } // namespace
 

@@ -146,6 +146,21 @@ TEST(PreferencesSave, LastBackupDateRoundsDownWhenWritten)
     CPreferences loaded(fixture.Env());
     loaded.Load(SPrefsFixture::IniPath);
     EXPECT_NEAR(loaded.Backup().lastBackupDate, 44000.499999, 1e-9);
+
+    // Dates that already have six decimals do not drift by a step at each save.
+    for (int step = 0; step < 2000; ++step)
+    {
+        const double date = (step + 1) * 0.000731; // small day counts show the rounding error
+        CPreferences written(fixture.Env());
+        written.Backup().lastBackupDate = date;
+        ASSERT_TRUE(written.Save(SPrefsFixture::IniPath));
+        CPreferences once(fixture.Env());
+        once.Load(SPrefsFixture::IniPath);
+        ASSERT_TRUE(once.Save(SPrefsFixture::IniPath));
+        CPreferences twice(fixture.Env());
+        twice.Load(SPrefsFixture::IniPath);
+        ASSERT_EQ(once.Backup().lastBackupDate, twice.Backup().lastBackupDate) << step;
+    }
 }
 
 TEST(PreferencesSave, ResetRestoresDefaults)
