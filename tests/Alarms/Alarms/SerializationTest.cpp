@@ -205,9 +205,8 @@ TEST(AlarmSerialization, CountsBeyondTheDataAreRefusedBeforeAllocating)
     }
     // One alarm whose dates list claims more entries than there are bytes left.
     std::vector<uint8_t> bytes = {1, 0};
-    std::vector<uint8_t> alarm = HandMadeBytes();
-    alarm.resize(alarm.size() - 10);
-    bytes.insert(bytes.end(), alarm.begin(), alarm.end());
+    const std::vector<uint8_t> alarm = HandMadeBytes();
+    bytes.insert(bytes.end(), alarm.begin(), alarm.end() - 10); // without its dates list
     const uint8_t claim[] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 0, 0, 0, 0, 0, 0, 0, 0};
     bytes.insert(bytes.end(), std::begin(claim), std::end(claim));
     CArchiveReader reader(bytes);
