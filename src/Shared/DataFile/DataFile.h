@@ -125,7 +125,7 @@ private:
     uint64_t PlaceRecord(uint32_t dataSize, uint32_t& allocated);
     void WriteRecord(uint64_t position, const DataFileFormat::SRecordHeader& header, const void* data);
     void WriteDeletedHeader(uint64_t position, uint64_t blockSize);
-    void AbandonPlacement(uint64_t position, uint64_t blockSize, uint64_t oldFileLength);
+    void RebuildAfterFailure();
     bool FreeRecordSpace(uint64_t position, const CUInt128& id);
     SDFileRecordCacheEntry* FindEntry(const CUInt128& id, CRecordsCache*& owner);
     bool ReadRecordData(const SDFileRecordCacheEntry& entry, std::vector<uint8_t>& data);

@@ -50,15 +50,7 @@ bool CDataFile::DefragmentQuick(uint32_t timeLimitMs)
     {
         LogMessage(u"Error: General exception caught on loading %s data file cache.", m_Path);
     }
-    // The walk stopped between steps; the chain on disk is whole, so a scan restores the caches.
-    try
-    {
-        BuildCacheByScan();
-    }
-    catch (...)
-    {
-        ClearCaches();
-    }
+    RebuildAfterFailure();
     return false;
 }
 
@@ -98,14 +90,21 @@ bool CDataFile::RunDefragmentation(uint32_t timeLimitMs)
     CDataFileReadAhead reader(*m_File, m_FileLength);
     while (walk.read < m_FileLength)
     {
+        const uint64_t before = walk.write;
         if (!DefragStep(walk, reader))
         {
+            // The directory disagreed with the file; from now on it follows what the file says.
             SettlePendingFree(walk);
             SaveHeader();
+            BuildCacheByScan();
             return false;
         }
-        if (timeLimitMs != NoTimeLimit &&
-            walk.read<m_FileLength&& static_cast<uint32_t>(m_Clock.TickCountMs() - start)> timeLimitMs)
+        // Time is checked only after a step that placed a record, so that every run makes
+        // progress even when passing free space alone would exceed the limit.
+        const bool placedRecord = walk.write != before;
+        const bool moreToDo = walk.read < m_FileLength;
+        const uint32_t elapsed = m_Clock.TickCountMs() - start;
+        if (timeLimitMs != NoTimeLimit && placedRecord && moreToDo && elapsed > timeLimitMs)
         {
             SettlePendingFree(walk);
             m_Header.SetDefragMarker(CUInt128(walk.write));

@@ -93,32 +93,40 @@ void CDataFile::WriteRecord(uint64_t position, const SRecordHeader& header, cons
     if (!header.IsPlain())
         m_Cipher.Apply(out + RecordHeaderSize, header.dataSize, position + RecordHeaderSize);
     std::memset(out + RecordHeaderSize + header.dataSize, 0, inlineSlack);
-    DataFileIo::Write(*m_File, position, out, m_IoBuffer.size());
-    if (!extends)
-        return;
-    if (position + m_IoBuffer.size() < end)
+    // A large slack is made by a length change before the header that claims it is written, so
+    // a failure can never leave a header pointing past the end of the file.
+    const bool lengthFirst = extends && position + m_IoBuffer.size() < end;
+    if (lengthFirst)
         DataFileIo::SetLength(*m_File, end);
-    m_FileLength = end;
-}
-
-void CDataFile::AbandonPlacement(uint64_t position, uint64_t blockSize, uint64_t oldFileLength)
-{
-    // Best effort after a failed write: give the block back so the file still tiles.
     try
     {
-        if (position >= oldFileLength)
-        {
-            DataFileIo::SetLength(*m_File, oldFileLength);
-            m_FileLength = oldFileLength;
-            return;
-        }
-        WriteDeletedHeader(position, blockSize);
-        m_Deleted->Add(position, static_cast<uint32_t>(blockSize));
+        DataFileIo::Write(*m_File, position, out, m_IoBuffer.size());
     }
     catch (const CDataFileError&)
     {
-        // The failure that led here has already been logged by the caller.
+        if (lengthFirst)
+            m_File->SetLength(m_FileLength);
+        throw;
     }
+    if (extends)
+        m_FileLength = end;
+}
+
+void CDataFile::RebuildAfterFailure()
+{
+    // Every write leaves the record chain on disk whole, so a scan brings the caches back in
+    // line with the file after an operation broke off half-way.
+    try
+    {
+        m_FileLength = DataFileIo::Length(*m_File);
+        if (BuildCacheByScan())
+            return;
+    }
+    catch (...)
+    {
+        // Reported by the scan or by the failed operation already.
+    }
+    ClearCaches();
 }
 
 CUInt128 CDataFile::AddRecord(const void* data, uint32_t size, uint16_t type, bool external,
@@ -147,17 +155,8 @@ CUInt128 CDataFile::AddRecord(const void* data, uint32_t size, uint16_t type, bo
         const uint32_t reserve = ClampReserve(reservePercent);
         header.allocated = std::min(AllocatedSizeFor(size, reserve), MaxDataSize);
         header.flags = reserve | (m_Cipher.HasKey() ? 0 : FlagPlain);
-        const uint64_t oldLength = m_FileLength;
         const uint64_t position = PlaceRecord(size, header.allocated);
-        try
-        {
-            WriteRecord(position, header, data);
-        }
-        catch (const CDataFileError&)
-        {
-            AbandonPlacement(position, header.SizeOnDisk(), oldLength);
-            throw;
-        }
+        WriteRecord(position, header, data);
         CRecordsCache& cache = CacheOfState(header.state);
         if (SDFileRecordCacheEntry* entry = cache.Add(id, type, position, header.SizeOnDisk(), size))
             cache.StoreData(*entry, data, size);
@@ -173,6 +172,7 @@ CUInt128 CDataFile::AddRecord(const void* data, uint32_t size, uint16_t type, bo
     {
         LogMessage(u"Error: General exception caught on adding new record to the %s data file.", m_Path);
     }
+    RebuildAfterFailure();
     return {};
 }
 
@@ -254,19 +254,8 @@ bool CDataFile::MoveOrRewrite(SDFileRecordCacheEntry& entry, SRecordHeader heade
     if (!FreeRecordSpace(position, entry.id))
         return false;
     header.allocated = std::min(AllocatedSizeFor(size, header.Reserve()), MaxDataSize);
-    const uint64_t oldLength = m_FileLength;
     const uint64_t newPosition = PlaceRecord(size, header.allocated);
-    try
-    {
-        WriteRecord(newPosition, header, data);
-    }
-    catch (const CDataFileError&)
-    {
-        // The old place is already free: the record is gone, and the caches must say so.
-        AbandonPlacement(newPosition, header.SizeOnDisk(), oldLength);
-        CacheOfState(header.state).Remove(entry.id);
-        throw;
-    }
+    WriteRecord(newPosition, header, data);
     entry.position = newPosition;
     entry.sizeOnDisk = static_cast<uint32_t>(header.SizeOnDisk());
     return true;
@@ -329,6 +318,7 @@ bool CDataFile::ModifyRecord(const CUInt128& id, const void* data, uint32_t size
     {
         LogMessage(u"Error: General exception caught on modifying record in the %s data file.", m_Path);
     }
+    RebuildAfterFailure();
     return false;
 }
 
@@ -355,6 +345,7 @@ bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
     }
     uint64_t start = position;
     uint64_t size = header.SizeOnDisk();
+    std::vector<uint64_t> absorbed; // free blocks that join this one
     while (start + size + RecordHeaderSize <= m_FileLength)
     {
         if (!m_File->ReadAt(start + size, raw, sizeof raw, done))
@@ -370,12 +361,12 @@ bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
         if (next.state != StateDeleted || next.SizeOnDisk() > m_FileLength - start - size ||
             size + next.SizeOnDisk() > UINT32_MAX)
             break;
-        m_Deleted->Remove(start + size);
+        absorbed.push_back(start + size);
         size += next.SizeOnDisk();
     }
     if (const auto before = m_Deleted->FindEndingAt(start); before && size + before->size <= UINT32_MAX)
     {
-        m_Deleted->Remove(before->position);
+        absorbed.push_back(before->position);
         start = before->position;
         size += before->size;
     }
@@ -383,14 +374,19 @@ bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
     {
         DataFileIo::SetLength(*m_File, start);
         m_FileLength = start;
-        return true;
     }
-    // Only the state and sizes change; the ID already at the block's start stays in it.
-    header.state = StateDeleted;
-    header.allocated = static_cast<uint32_t>(size - RecordHeaderSize);
-    header.Encode(raw);
-    DataFileIo::Write(*m_File, start + 16, raw + 16, 16);
-    m_Deleted->Add(start, static_cast<uint32_t>(size));
+    else
+    {
+        // Only the state and sizes change; the ID already at the block's start stays in it.
+        header.state = StateDeleted;
+        header.allocated = static_cast<uint32_t>(size - RecordHeaderSize);
+        header.Encode(raw);
+        DataFileIo::Write(*m_File, start + 16, raw + 16, 16);
+    }
+    for (uint64_t block : absorbed)
+        m_Deleted->Remove(block);
+    if (start < m_FileLength)
+        m_Deleted->Add(start, static_cast<uint32_t>(size));
     return true;
 }
 
@@ -430,6 +426,7 @@ bool CDataFile::DeleteRecord(const CUInt128& id)
     {
         LogMessage(u"Error: General exception caught on deleting record in the %s data file.", m_Path);
     }
+    RebuildAfterFailure();
     return false;
 }
 
