@@ -2,14 +2,19 @@
 
 namespace
 {
+// Builds a new string so that long hostile lines stay linear in their length.
 void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to)
 {
-    size_t pos = 0;
-    while ((pos = text.find(from, pos)) != std::u16string::npos)
+    std::u16string result;
+    result.reserve(text.size());
+    size_t start = 0;
+    for (size_t pos; (pos = text.find(from, start)) != std::u16string::npos; start = pos + from.size())
     {
-        text.replace(pos, from.size(), to);
-        pos += to.size();
+        result.append(text, start, pos - start);
+        result += to;
     }
+    result.append(text, start);
+    text = std::move(result);
 }
 
 bool IsMarkingCharacter(char16_t ch)
