@@ -104,9 +104,9 @@ std::vector<std::u16string> CFxEdit::SplitForInsertion(std::u16string_view text)
         {
             if (c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
                 ++i;
-            if (m_Mode == ModeSingleLine || m_Mode == ModeDigits)
+            if (m_Mode == ModeSingleLine)
                 parts.back() += u' ';
-            else
+            else if (m_Mode != ModeDigits)
                 parts.emplace_back();
             continue;
         }

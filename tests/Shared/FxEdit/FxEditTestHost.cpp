@@ -66,7 +66,8 @@ bool CFxEditTestHost::RunFindReplaceDialog(SFxFindReplaceRequest& request)
     return request.result != SFxFindReplaceRequest::Cancelled;
 }
 
-bool CFxEditTestHost::AskFileName(bool, std::u16string_view, const std::u16string& caption, std::u16string& path)
+bool CFxEditTestHost::AskFileName(bool, std::u16string_view, const std::u16string& caption,
+                                  std::u16string& path)
 {
     lastDialogCaption = caption;
     if (fileNameAnswer.empty())

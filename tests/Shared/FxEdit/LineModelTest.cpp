@@ -111,7 +111,8 @@ TEST(LineEditing, RandomEditsKeepEveryCharactersFormat)
                 RemoveLineText(line, a, b);
                 CRtfTextLine rebuilt = CopyLinePart(line, 0, a);
                 AppendLine(rebuilt, part, DefaultFont);
-                AppendLine(rebuilt, CopyLinePart(line, a, static_cast<int32_t>(line.Text().size())), DefaultFont);
+                AppendLine(rebuilt, CopyLinePart(line, a, static_cast<int32_t>(line.Text().size())),
+                           DefaultFont);
                 line = rebuilt;
                 break;
             }
@@ -128,8 +129,10 @@ TEST(LineEditing, RandomEditsKeepEveryCharactersFormat)
 
 TEST(LineEditing, ObjectsMoveWithTheirCharactersAndGoWithRemovedText)
 {
-    CRtfTextLine line(u"ab\x14" u"cd\x14");
-    line.SetObjects({CRtfObjectInfo(CRtfObjectInfo::AttachmentType, 2), CRtfObjectInfo(CRtfObjectInfo::PictureType, 5)});
+    CRtfTextLine line(u"ab\x14"
+                      u"cd\x14");
+    line.SetObjects(
+        {CRtfObjectInfo(CRtfObjectInfo::AttachmentType, 2), CRtfObjectInfo(CRtfObjectInfo::PictureType, 5)});
     InsertLineText(line, 1, u"XYZ");
     ASSERT_EQ(line.Objects().size(), 2u);
     EXPECT_EQ(line.Objects()[0].Position(), 5);
@@ -171,7 +174,8 @@ TEST(LineLayout, WrapsAtBreakOpportunitiesAndCutsLongWords)
     context.tabStopWidth = 80;
 
     // "hello " fits, "world " would end at 110 (its blank hangs), so the row breaks after "hello ".
-    EXPECT_EQ(ComputeLineLayout(CRtfTextLine(u"hello world foo"), context).rowBreaks, std::vector<int32_t>{6});
+    EXPECT_EQ(ComputeLineLayout(CRtfTextLine(u"hello world foo"), context).rowBreaks,
+              std::vector<int32_t>{6});
     EXPECT_EQ(ComputeLineLayout(CRtfTextLine(u"aaaa,bbbbbbbb"), context).rowBreaks, std::vector<int32_t>{5});
     EXPECT_EQ(ComputeLineLayout(CRtfTextLine(u"abcdefghijklmnopqrstuvwxy"), context).rowBreaks,
               (std::vector<int32_t>{10, 20}));
