@@ -199,12 +199,3 @@ TEST_F(AlarmManagerTest, UnknownEntriesAreRefusedWithALogLine)
     EXPECT_EQ(log.CountLines(u"Error: Cannot find alarm 0 of item 63"), 2u);
     EXPECT_TRUE(tree.changed.empty());
 }
-
-TEST(AlarmSnoozeChoices, MinutesInTableOrder)
-{
-    std::vector<int> minutes;
-    for (const SSnoozeChoice& choice : CAlarmManager::SnoozeChoices)
-        minutes.push_back(choice.minutes);
-    EXPECT_EQ(minutes, (std::vector<int>{2, 5, 10, 15, 30, 60, 120, 180, 240}));
-    EXPECT_EQ(std::u16string(CAlarmManager::SnoozeChoices[5].unitKey), u"ALARMREMINDDLG_SNOOZE_BTN_HOUR");
-}

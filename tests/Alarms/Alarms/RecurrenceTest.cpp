@@ -171,8 +171,9 @@ TEST(AlarmCalendar, FieldsComeFromThePlatformConversion)
 
 TEST(AlarmRecurrence, EveryRuleAgreesWithTheModelOverLeapAndCenturyYears)
 {
-    const int starts[][3] = {{2000, 1, 31},  {2000, 2, 29}, {2011, 12, 31}, {2012, 2, 29}, {2012, 3, 30},
-                             {2099, 12, 29}, {2100, 2, 28}, {2100, 1, 30},  {2013, 3, 29}, {2012, 8, 31}};
+    const int starts[][3] = {{2000, 1, 31}, {2000, 2, 29},  {2011, 12, 31}, {2012, 2, 29},
+                             {2012, 3, 30}, {2099, 12, 29}, {2099, 11, 30}, {2100, 2, 28},
+                             {2100, 1, 30}, {2013, 3, 29},  {2012, 8, 31}};
     for (const auto& s : starts)
     {
         const int64_t start = OleDayFromCivil(s[0], s[1], s[2]);
