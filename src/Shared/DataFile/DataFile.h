@@ -149,8 +149,11 @@ private:
     bool DefragDeletedRecord(SDefragWalk& walk, const DataFileFormat::SRecordHeader& header);
     bool DefragLiveRecord(SDefragWalk& walk, const DataFileFormat::SRecordHeader& header,
                           CDataFileReadAhead& reader);
-    void MoveRecordDown(uint64_t from, uint64_t to, const DataFileFormat::SRecordHeader& moved, uint64_t gap,
+    void MoveRecordDown(SDefragWalk& walk, const DataFileFormat::SRecordHeader& moved, uint64_t gap,
                         CDataFileReadAhead& reader);
+    void WriteMovedRecord(SDefragWalk& walk, const DataFileFormat::SRecordHeader& moved, uint32_t slack,
+                          uint64_t from, CDataFileReadAhead& reader);
+    void FlushBatch(SDefragWalk& walk);
     void SettlePendingFree(SDefragWalk& walk);
     bool FinishDefragmentation(SDefragWalk& walk);
 

@@ -13,18 +13,26 @@
 #include "Shared/Log/Log.h"
 
 #include <cstring>
+#include <vector>
 
 using namespace DataFileFormat;
 
 namespace
 {
 constexpr uint32_t MaxInlineSlack = 65536;
-}
+constexpr size_t MaxBatch = 1 << 20;
+} // namespace
 
+// Moved records land one after another, so their writes are gathered into one contiguous batch.
+// The batch always ends with the deleted-record header of the free space behind its last
+// record, which the next record in the batch overwrites; so whenever a batch reaches the disk
+// the record chain there is whole.
 struct CDataFile::SDefragWalk
 {
     uint64_t read = 0;
     uint64_t write = 0;
+    uint64_t batchStart = 0;
+    std::vector<uint8_t> batch;
 };
 
 bool CDataFile::DefragmentQuick(uint32_t timeLimitMs)
@@ -223,7 +231,7 @@ bool CDataFile::DefragLiveRecord(SDefragWalk& walk, const SRecordHeader& header,
         return true;
     }
     const uint64_t newEnd = walk.write + moved.SizeOnDisk();
-    MoveRecordDown(walk.read, walk.write, moved, next - newEnd, reader);
+    MoveRecordDown(walk, moved, next - newEnd, reader);
     entry->position = walk.write;
     entry->sizeOnDisk = static_cast<uint32_t>(moved.SizeOnDisk());
     walk.write = newEnd;
@@ -231,24 +239,55 @@ bool CDataFile::DefragLiveRecord(SDefragWalk& walk, const SRecordHeader& header,
     return true;
 }
 
-void CDataFile::MoveRecordDown(uint64_t from, uint64_t to, const SRecordHeader& moved, uint64_t gap,
+void CDataFile::MoveRecordDown(SDefragWalk& walk, const SRecordHeader& moved, uint64_t gap,
                                CDataFileReadAhead& reader)
 {
+    const uint64_t from = walk.read;
+    const uint64_t to = walk.write;
     const uint64_t newEnd = to + moved.SizeOnDisk();
-    uint8_t raw[RecordHeaderSize];
     if (from == to)
     {
         // Only trimmed: the data stays where it is.
+        FlushBatch(walk);
+        uint8_t raw[RecordHeaderSize];
         moved.Encode(raw);
         DataFileIo::Write(*m_File, to, raw, sizeof raw);
         WriteDeletedHeader(newEnd, gap);
         return;
     }
     const uint32_t slack = moved.allocated - moved.dataSize;
-    const bool joined = slack <= MaxInlineSlack && gap != 0;
-    m_IoBuffer.resize(RecordHeaderSize + static_cast<size_t>(moved.dataSize) +
-                      (joined ? slack + RecordHeaderSize : 0));
-    uint8_t* out = m_IoBuffer.data();
+    if (slack > MaxInlineSlack)
+    {
+        FlushBatch(walk);
+        WriteMovedRecord(walk, moved, 0, from, reader);
+        FlushBatch(walk);
+        WriteDeletedHeader(newEnd, gap);
+        return;
+    }
+    if (!walk.batch.empty() && walk.batchStart + walk.batch.size() - RecordHeaderSize == to)
+        walk.batch.resize(walk.batch.size() -
+                          RecordHeaderSize); // the free space it described is this record's
+    else
+        FlushBatch(walk);
+    WriteMovedRecord(walk, moved, slack, from, reader);
+    SRecordHeader free;
+    free.allocated = static_cast<uint32_t>(gap - RecordHeaderSize);
+    const size_t at = walk.batch.size();
+    walk.batch.resize(at + RecordHeaderSize);
+    free.Encode(walk.batch.data() + at);
+    if (walk.batch.size() >= MaxBatch)
+        FlushBatch(walk);
+}
+
+void CDataFile::WriteMovedRecord(SDefragWalk& walk, const SRecordHeader& moved, uint32_t slack, uint64_t from,
+                                 CDataFileReadAhead& reader)
+{
+    if (walk.batch.empty())
+        walk.batchStart = walk.write;
+    const uint64_t to = walk.batchStart + walk.batch.size();
+    const size_t at = walk.batch.size();
+    walk.batch.resize(at + RecordHeaderSize + moved.dataSize + slack);
+    uint8_t* out = walk.batch.data() + at;
     moved.Encode(out);
     std::memcpy(out + RecordHeaderSize, reader.Get(from + RecordHeaderSize, moved.dataSize), moved.dataSize);
     if (!moved.IsPlain())
@@ -256,20 +295,20 @@ void CDataFile::MoveRecordDown(uint64_t from, uint64_t to, const SRecordHeader& 
         m_Cipher.Apply(out + RecordHeaderSize, moved.dataSize, from + RecordHeaderSize);
         m_Cipher.Apply(out + RecordHeaderSize, moved.dataSize, to + RecordHeaderSize);
     }
-    if (joined)
-    {
-        std::memset(out + RecordHeaderSize + moved.dataSize, 0, slack);
-        SRecordHeader free;
-        free.allocated = static_cast<uint32_t>(gap - RecordHeaderSize);
-        free.Encode(out + RecordHeaderSize + moved.dataSize + slack);
-    }
-    DataFileIo::Write(*m_File, to, out, m_IoBuffer.size());
-    if (!joined && gap != 0)
-        WriteDeletedHeader(newEnd, gap);
+    std::memset(out + RecordHeaderSize + moved.dataSize, 0, slack);
+}
+
+void CDataFile::FlushBatch(SDefragWalk& walk)
+{
+    if (walk.batch.empty())
+        return;
+    DataFileIo::Write(*m_File, walk.batchStart, walk.batch.data(), walk.batch.size());
+    walk.batch.clear();
 }
 
 void CDataFile::SettlePendingFree(SDefragWalk& walk)
 {
+    FlushBatch(walk);
     if (walk.write < walk.read)
     {
         WriteDeletedHeader(walk.write, walk.read - walk.write);
@@ -280,6 +319,7 @@ void CDataFile::SettlePendingFree(SDefragWalk& walk)
 
 bool CDataFile::FinishDefragmentation(SDefragWalk& walk)
 {
+    FlushBatch(walk);
     if (walk.write < m_FileLength)
     {
         DataFileIo::SetLength(*m_File, walk.write);
