@@ -6,6 +6,7 @@
 #include "Shared/DataFile/DataFileRecordsCache.h"
 #include "Shared/Log/Log.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -324,18 +325,22 @@ bool CDataFile::ModifyRecord(const CUInt128& id, const void* data, uint32_t size
 
 bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
 {
-    uint8_t raw[RecordHeaderSize];
-    size_t done = 0;
-    if (!m_File->ReadAt(position, raw, sizeof raw, done))
+    // One read brings the header and, for a small record, the header after it that the forward
+    // merge looks at.
+    uint8_t window[4096];
+    size_t windowSize = 0;
+    const uint64_t remaining = m_FileLength > position ? m_FileLength - position : 0;
+    if (!m_File->ReadAt(position, window, static_cast<size_t>(std::min<uint64_t>(sizeof window, remaining)),
+                        windowSize))
         throw CDataFileError{m_File->LastCause()};
-    if (done != sizeof raw)
+    if (windowSize < RecordHeaderSize)
     {
         LogMessage(
             u"Error: Unexpected end of file on reading record header [while deleting it]. File name - %s",
             m_Path);
         throw CDataFileError{CDataFileError::EndOfFileCause};
     }
-    SRecordHeader header = SRecordHeader::Decode(raw);
+    SRecordHeader header = SRecordHeader::Decode(window);
     if (header.id != id)
     {
         LogMessage(
@@ -343,26 +348,34 @@ bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
             m_Path);
         return false;
     }
+    uint8_t raw[RecordHeaderSize];
     uint64_t start = position;
     uint64_t size = header.SizeOnDisk();
     std::vector<uint64_t> absorbed; // free blocks that join this one
     while (start + size + RecordHeaderSize <= m_FileLength)
     {
-        if (!m_File->ReadAt(start + size, raw, sizeof raw, done))
-            throw CDataFileError{m_File->LastCause()};
-        if (done != sizeof raw)
+        const uint8_t* next = window + size;
+        if (size + RecordHeaderSize > windowSize)
         {
-            LogMessage(u"Error: Unexpected end of file on reading record header [while consolidating deleted "
-                       u"records]. File name - %s",
-                       m_Path);
-            throw CDataFileError{CDataFileError::EndOfFileCause};
+            size_t done = 0;
+            if (!m_File->ReadAt(start + size, raw, sizeof raw, done))
+                throw CDataFileError{m_File->LastCause()};
+            if (done != sizeof raw)
+            {
+                LogMessage(
+                    u"Error: Unexpected end of file on reading record header [while consolidating deleted "
+                    u"records]. File name - %s",
+                    m_Path);
+                throw CDataFileError{CDataFileError::EndOfFileCause};
+            }
+            next = raw;
         }
-        const SRecordHeader next = SRecordHeader::Decode(raw);
-        if (next.state != StateDeleted || next.SizeOnDisk() > m_FileLength - start - size ||
-            size + next.SizeOnDisk() > UINT32_MAX)
+        const SRecordHeader following = SRecordHeader::Decode(next);
+        if (following.state != StateDeleted || following.SizeOnDisk() > m_FileLength - start - size ||
+            size + following.SizeOnDisk() > UINT32_MAX)
             break;
         absorbed.push_back(start + size);
-        size += next.SizeOnDisk();
+        size += following.SizeOnDisk();
     }
     if (const auto before = m_Deleted->FindEndingAt(start); before && size + before->size <= UINT32_MAX)
     {
