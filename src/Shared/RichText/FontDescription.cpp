@@ -28,10 +28,15 @@ SFontDescription SFontDescription::Make(std::u16string_view face, int32_t points
 
 std::u16string SFontDescription::FaceName() const
 {
+    return std::u16string(FaceNameView());
+}
+
+std::u16string_view SFontDescription::FaceNameView() const
+{
     size_t length = 0;
     while (length < FaceNameChars && faceName[length] != 0)
         ++length;
-    return std::u16string(faceName.data(), length);
+    return std::u16string_view(faceName.data(), length);
 }
 
 void SFontDescription::SetFaceName(std::u16string_view face)

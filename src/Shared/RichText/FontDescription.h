@@ -34,6 +34,7 @@ struct SFontDescription
     static SFontDescription Make(std::u16string_view face, int32_t points, int32_t weight = 400);
 
     std::u16string FaceName() const; // up to the first zero unit
+    std::u16string_view FaceNameView() const;
     void SetFaceName(std::u16string_view face);
     int64_t PointSize() const { return height < 0 ? -static_cast<int64_t>(height) : height; }
     bool IsBold() const { return weight >= BoldWeight; }

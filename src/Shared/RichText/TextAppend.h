@@ -34,6 +34,6 @@ template <class TDocument> size_t EstimatedTextSize(const TDocument& document)
 {
     size_t size = 0;
     for (const auto& line : document.Lines())
-        size += line.Text().size() + 16 * line.Blocks().size();
+        size += line.Text().size() + 32 * line.Blocks().size();
     return size;
 }
