@@ -1,22 +1,10 @@
 // quillarium-cli: the headless tool over the same core as the desktop program.
-#include <cstdio>
-#include <cstring>
+#include "Cli/CliCommand.h"
 
-static void PrintHelp()
-{
-    std::puts("quillarium-cli - Quillarium Organizer command-line tool\n"
-              "\n"
-              "Usage:\n"
-              "  quillarium-cli --help     show this help");
-}
+#include <iostream>
 
 int main(int argc, char** argv)
 {
-    if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)
-    {
-        PrintHelp();
-        return argc < 2 ? 1 : 0;
-    }
-    std::fprintf(stderr, "quillarium-cli: unknown command '%s' (see --help)\n", argv[1]);
-    return 2;
+    std::vector<std::string> words(argv + 1, argv + argc);
+    return RunCli(words, std::cout, std::cerr);
 }
