@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 namespace
 {
@@ -77,7 +78,7 @@ private:
     void CollectTables()
     {
         FontIndex(m_DefaultFont);
-        m_Colours = {DefaultRichTextColour};
+        AddColour(DefaultRichTextColour);
         for (const CRtfTextLine& line : m_Document.Lines())
         {
             CSegmentFormatCursor cursor(line, m_DefaultFont);
@@ -85,24 +86,41 @@ private:
             {
                 const SSegmentFormat& format = cursor.At(segment.start);
                 FontIndex(*format.font);
-                m_Colours.push_back(format.textColour);
-                m_Colours.push_back(format.backColour);
+                AddColour(format.textColour);
+                AddColour(format.backColour);
             }
         }
-        std::sort(m_Colours.begin(), m_Colours.end());
-        m_Colours.erase(std::unique(m_Colours.begin(), m_Colours.end()), m_Colours.end());
     }
 
+    // Keeps the table sorted and free of repeats as it grows; documents use few colours.
+    void AddColour(RichTextColour colour)
+    {
+        const auto at = std::lower_bound(m_Colours.begin(), m_Colours.end(), colour);
+        if (at == m_Colours.end() || *at != colour)
+            m_Colours.insert(at, colour);
+    }
+
+    // Fonts are told apart by their bytes; the address of a block's font is remembered so that
+    // each block's font is compared once.
     int FontIndex(const SFontDescription& font)
     {
         if (&font == m_LastFont)
             return m_LastFontIndex;
-        const auto [at, added] = m_FontIndexes.try_emplace(font, static_cast<int>(m_Fonts.size()));
-        if (added)
-            m_Fonts.push_back(&at->first);
+        const auto known = m_FontIndexByAddress.find(&font);
+        int index = 0;
+        if (known != m_FontIndexByAddress.end())
+            index = known->second;
+        else
+        {
+            const auto [at, added] = m_FontIndexes.try_emplace(font, static_cast<int>(m_Fonts.size()));
+            if (added)
+                m_Fonts.push_back(&at->first);
+            index = at->second;
+            m_FontIndexByAddress.emplace(&font, index);
+        }
         m_LastFont = &font;
-        m_LastFontIndex = at->second;
-        return at->second;
+        m_LastFontIndex = index;
+        return index;
     }
 
     int ColourIndex(RichTextColour colour) const
@@ -224,6 +242,7 @@ private:
     const SFontDescription& m_DefaultFont;
     const IRichTextPlatform& m_Platform;
     std::map<SFontDescription, int> m_FontIndexes;
+    std::unordered_map<const SFontDescription*, int> m_FontIndexByAddress;
     std::vector<const SFontDescription*> m_Fonts;
     const SFontDescription* m_LastFont = nullptr;
     int m_LastFontIndex = 0;
