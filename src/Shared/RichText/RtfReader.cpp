@@ -7,6 +7,7 @@
 #include "Shared/RichText/RtfReaderPicture.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <new>
 #include <string>
@@ -16,6 +17,7 @@ namespace
 {
 constexpr int DefaultHalfPoints = 24;
 constexpr int MaxUnicodeSkip = 64;
+constexpr int32_t MaxHalfPoints = 3276;
 constexpr int32_t MaxParameter = 1000000000;
 
 // A syntax fault; caught by ReadRtf, which logs it once.
@@ -446,8 +448,8 @@ private:
             state.fontCodePage = FontCodePage(control.parameter);
             break;
         case ERtfKeyword::FontSize:
-            format.halfPoints = control.hasParameter && control.parameter > 0
-                                    ? std::min<int32_t>(control.parameter, 3276)
+            format.halfPoints = control.hasParameter
+                                    ? std::min<int32_t>(std::abs(control.parameter), MaxHalfPoints)
                                     : DefaultHalfPoints;
             break;
         case ERtfKeyword::TextColour:
@@ -860,8 +862,9 @@ private:
 
 template <class TChar>
 bool ReadRtfText(std::basic_string_view<TChar> rtf, const SFontDescription& defaultFont,
-                 CRichTextDocument& document)
+                 CRichTextDocument& document, std::u16string* failure)
 {
+    std::u16string reason;
     try
     {
         document = CRtfParser<TChar>(rtf, defaultFont).Parse();
@@ -869,23 +872,28 @@ bool ReadRtfText(std::basic_string_view<TChar> rtf, const SFontDescription& defa
     }
     catch (const SRtfSyntaxError& error)
     {
-        LogMessage(u"Error: Cannot read RTF text, %s", error.reason);
+        reason = error.reason;
     }
     catch (const std::bad_alloc&)
     {
-        LogMessage(u"Error: Cannot read RTF text, out of memory (%d bytes of RTF)",
-                   static_cast<long long>(rtf.size()));
+        reason = FormatText(u"out of memory (%d bytes of RTF)", static_cast<long long>(rtf.size()));
     }
+    if (failure != nullptr)
+        *failure = std::move(reason);
+    else
+        LogMessage(u"Error: Cannot read RTF text, %s", reason);
     return false;
 }
 } // namespace
 
-bool ReadRtf(std::string_view rtf, const SFontDescription& defaultFont, CRichTextDocument& document)
+bool ReadRtf(std::string_view rtf, const SFontDescription& defaultFont, CRichTextDocument& document,
+             std::u16string* failure)
 {
-    return ReadRtfText(rtf, defaultFont, document);
+    return ReadRtfText(rtf, defaultFont, document, failure);
 }
 
-bool ReadRtf(std::u16string_view rtf, const SFontDescription& defaultFont, CRichTextDocument& document)
+bool ReadRtf(std::u16string_view rtf, const SFontDescription& defaultFont, CRichTextDocument& document,
+             std::u16string* failure)
 {
-    return ReadRtfText(rtf, defaultFont, document);
+    return ReadRtfText(rtf, defaultFont, document, failure);
 }
