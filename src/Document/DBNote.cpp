@@ -16,6 +16,13 @@ CRichTextDocument* CDBNote::GetRichText()
     return m_Text.get();
 }
 
+bool CDBNote::GetPlainText(std::u16string& text)
+{
+    if (m_Text || !m_Records || GetId().IsZero())
+        return CNoteBase::GetPlainText(text);
+    return m_Records->LoadPlainText(GetId(), text);
+}
+
 void CDBNote::RestoreOpenFlag(bool open)
 {
     SetOpenFlagOnly(open);

@@ -17,6 +17,9 @@ public:
     // Reads the text from the record on first use; null when it cannot be read (tried again on
     // the next call).
     CRichTextDocument* GetRichText() override;
+    // From the text in memory when it is loaded (it may hold unsaved changes), else from the
+    // record's plain text field, leaving the rich text in storage.
+    bool GetPlainText(std::u16string& text) override;
     bool IsTextLoaded() const { return m_Text != nullptr; }
     // Forgets the text in memory; the next GetRichText reads it again.
     void UnloadText() { m_Text.reset(); }

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 class CNoteBase : public CItem
 {
@@ -23,6 +24,11 @@ public:
     // The note's text; a storage-backed note reads it from its record the first time it is asked.
     // Null when it cannot be read.
     virtual CRichTextDocument* GetRichText() = 0;
+    // The plain text of the note's body, for searching. This one derives it from GetRichText; a
+    // storage-backed note whose text is not in memory reads its stored plain text instead, so a
+    // search does not load every rich text. False, after the reader's log line, when it cannot be
+    // read.
+    virtual bool GetPlainText(std::u16string& text);
 
 protected:
     void WriteDump(CItemTextDumpWriter& writer) override;
