@@ -168,6 +168,14 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"FOLDER_BOOKMARKS=Bookmarks",
     u"FOLDER_TEMPLATES=Templates",
     u"FOLDER_RECYCLE_BIN=Recycle Bin",
+
+    // Sample notes of a new document's default tree
+    u"WIZARDDLG_SAMPLE_TREE_IDEA_CAPTION=Idea: plan a weekend trip",
+    u"WIZARDDLG_SAMPLE_TREE_IDEA_TEXT=Collect ideas here as they come.\nA note can hold text, pictures and attached files.",
+    u"WIZARDDLG_SAMPLE_TREE_TASK_CAPTION=Try out Quillarium Organizer",
+    u"WIZARDDLG_SAMPLE_TREE_TASK_TEXT=Create a folder of your own.\nAdd a note to it and write something.\nSet an alarm on an item to be reminded of it.",
+    u"WIZARDDLG_SAMPLE_TREE_WELCOME_CAPTION=Welcome",
+    u"WIZARDDLG_SAMPLE_TREE_WELCOME_TEXT=Welcome to Quillarium Organizer!\nKeep your notes in folders and find them again with the global search.\nEverything is stored in one data file, which is backed up automatically.",
 };
 } // namespace
 

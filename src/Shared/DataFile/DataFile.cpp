@@ -430,6 +430,20 @@ bool CDataFile::SaveAs(const std::u16string& newPath, bool keepCurrent)
     return false;
 }
 
+bool CDataFile::Flush()
+{
+    CDataFileAccessLock lock(*this);
+    if (!m_File)
+    {
+        LogMessage(u"Error: Cannot flush data file as data file is not open.");
+        return false;
+    }
+    if (m_File->Flush())
+        return true;
+    LogMessage(u"Error: Cannot flush data file %s, cause - %d", m_Path, m_File->LastCause());
+    return false;
+}
+
 bool CDataFile::ReopenAfterSaveAs(const std::u16string& newPath, const std::u16string& oldPath)
 {
     // The copy is byte-identical, so the caches stay valid for it.

@@ -67,6 +67,9 @@ public:
     void Close(bool defragment, uint32_t timeLimitMs);
     bool IsOpen() const;
     bool SaveAs(const std::u16string& newPath, bool keepCurrent);
+    // Asks the system to put everything written so far on the disk; callers group their
+    // changes and flush once at the end of a save.
+    bool Flush();
     std::u16string GetFilePath() const;
 
     // Header fields.
