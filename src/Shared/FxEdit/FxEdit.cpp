@@ -88,12 +88,19 @@ int32_t CFxEdit::CheckedLineIndex(int32_t index) const
     return index;
 }
 
-void CFxEdit::PutLine(int32_t index, const CRtfTextLine& line)
+CRtfTextLine CFxEdit::PutLine(int32_t index, CRtfTextLine line)
 {
     COneLineInfo& target = MutableLine(index);
     if (target.IsLayoutValid())
         m_TotalRows -= target.RowCount();
-    target = line;
+    return target.ReplaceParagraph(std::move(line));
+}
+
+void CFxEdit::PutLineRecorded(int32_t index, CRtfTextLine line)
+{
+    CRtfTextLine after = line;
+    CRtfTextLine before = PutLine(index, std::move(line));
+    m_UndoRedo.AddLineChanged(index, std::move(before), std::move(after));
 }
 
 void CFxEdit::InsertLineAt(int32_t index, const CRtfTextLine& line)
@@ -147,7 +154,7 @@ void CFxEdit::LayoutLine(int32_t index)
     context.defaultFont = &m_Settings.defaultFont;
     context.tabStopWidth = std::max(1, m_Host.MeasureText(u" ", m_Settings.defaultFont).width *
                                            std::clamp(m_Settings.spacesPerTab, 1, 99));
-    line.SetLayout(ComputeLineLayout(line, context));
+    line.SetLayout(ComputeLineLayout(line, context, line.Hint() ? &*line.Hint() : nullptr));
     m_TotalRows += line.RowCount();
 }
 

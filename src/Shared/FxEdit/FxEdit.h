@@ -203,7 +203,10 @@ private:
     {
         return *m_Lines[static_cast<size_t>(CheckedLineIndex(index))];
     }
-    void PutLine(int32_t index, const CRtfTextLine& line);
+    // Replaces line `index`, returning the paragraph it held.
+    CRtfTextLine PutLine(int32_t index, CRtfTextLine line);
+    // Replaces line `index` and records the change in the open undo quantum.
+    void PutLineRecorded(int32_t index, CRtfTextLine line);
     void InsertLineAt(int32_t index, const CRtfTextLine& line);
     void RemoveLineAt(int32_t index);
     void ResetLines(const std::vector<CRtfTextLine>& lines);

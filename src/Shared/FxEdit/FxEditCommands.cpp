@@ -140,13 +140,10 @@ int32_t CFxEdit::Replace(std::u16string_view find, std::u16string_view replace, 
         }
         last = {line, found};
         SetCaretChars(last, last);
-        CRtfTextLine after = Line(line).Paragraph();
-        RemoveLineText(after, found, found + findLength);
-        InsertLineText(after, found, replace);
+        CRtfTextLine after =
+            WithInsertedText(WithRemovedText(Line(line), found, found + findLength), found, replace);
         m_UndoRedo.BeginUndoQuant(label);
-        CRtfTextLine before = Line(line).Paragraph();
-        PutLine(line, after);
-        m_UndoRedo.AddLineChanged(line, std::move(before), std::move(after));
+        PutLineRecorded(line, std::move(after));
         // The line waits to be laid out until all its replacements are made; until then its
         // positions are plain offsets.
         SetCaretChars(last, last);

@@ -37,9 +37,7 @@ void CFxEdit::ReplaceLines(int32_t first, int32_t oldCount, std::vector<CRtfText
         const int32_t index = first + i;
         if (Line(index).Paragraph() == newLines[static_cast<size_t>(i)])
             continue;
-        CRtfTextLine before = Line(index).Paragraph();
-        PutLine(index, newLines[static_cast<size_t>(i)]);
-        m_UndoRedo.AddLineChanged(index, std::move(before), std::move(newLines[static_cast<size_t>(i)]));
+        PutLineRecorded(index, std::move(newLines[static_cast<size_t>(i)]));
         changed = true;
     }
     for (int32_t i = common; i < oldCount; ++i)
@@ -79,9 +77,7 @@ void CFxEdit::ChangeSelectedLines(std::u16string_view labelKey, const LineChange
         if (!opened)
             m_UndoRedo.BeginUndoQuant(Translate(labelKey));
         opened = true;
-        CRtfTextLine before = Line(i).Paragraph();
-        PutLine(i, after);
-        m_UndoRedo.AddLineChanged(i, std::move(before), std::move(after));
+        PutLineRecorded(i, std::move(after));
     }
     RelayoutRange(from.line, to.line, false);
     SetCaretChars(caret, anchor);
@@ -177,12 +173,12 @@ void CFxEdit::DeleteCharRange(SFxCharPosition from, SFxCharPosition to, std::u16
 {
     if (to.line < from.line || (to.line == from.line && to.offset <= from.offset))
         return;
-    CRtfTextLine joined = Line(from.line).Paragraph();
+    CRtfTextLine joined;
     if (from.line == to.line)
-        RemoveLineText(joined, from.offset, to.offset);
+        joined = WithRemovedText(Line(from.line), from.offset, to.offset);
     else
     {
-        joined = CopyLinePart(joined, 0, from.offset);
+        joined = CopyLinePart(Line(from.line), 0, from.offset);
         const COneLineInfo& last = Line(to.line);
         AppendLine(joined, CopyLinePart(last, to.offset, last.Length()), m_Settings.defaultFont);
     }
@@ -290,8 +286,7 @@ void CFxEdit::InsertTypedCharacter(char16_t c)
     DeleteSelection();
     const SFxCharPosition caret = ToCharPosition(m_Caret);
     m_Anchor = m_Caret;
-    CRtfTextLine after = Line(caret.line).Paragraph();
-    InsertLineText(after, caret.offset, std::u16string_view(&c, 1));
+    CRtfTextLine after = WithInsertedText(Line(caret.line), caret.offset, std::u16string_view(&c, 1));
     if (onPending)
         ApplyPendingFormat(after, caret.offset, 1);
     const SFxCharPosition moved{caret.line, caret.offset + 1};
@@ -418,9 +413,7 @@ void CFxEdit::IndentSelectedLines(bool outdent)
         if (!opened)
             m_UndoRedo.BeginUndoQuant(Translate(u"EDITCTL_UNDO_TYPING"));
         opened = true;
-        CRtfTextLine before = Line(i).Paragraph();
-        PutLine(i, after);
-        m_UndoRedo.AddLineChanged(i, std::move(before), std::move(after));
+        PutLineRecorded(i, std::move(after));
     }
     RelayoutRange(start.line, lastLine, false);
     SetCaretChars(caret, anchor);

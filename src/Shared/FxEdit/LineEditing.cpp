@@ -78,14 +78,16 @@ CRtfTextBlockInfo FormatAt(const CRtfTextLine& line, int32_t offset)
     return format;
 }
 
-void InsertLineText(CRtfTextLine& line, int32_t offset, std::u16string_view text)
+CRtfTextLine WithInsertedText(const CRtfTextLine& line, int32_t offset, std::u16string_view text)
 {
-    if (text.empty())
-        return;
     offset = ClampOffset(line, offset);
     const auto count = static_cast<int32_t>(text.size());
-    std::u16string newText = line.Text();
-    newText.insert(static_cast<size_t>(offset), text);
+    const std::u16string_view old(line.Text());
+    std::u16string newText;
+    newText.reserve(old.size() + text.size());
+    newText.append(old.substr(0, static_cast<size_t>(offset)))
+        .append(text)
+        .append(old.substr(static_cast<size_t>(offset)));
 
     std::vector<CRtfTextBlockInfo> blocks = line.Blocks();
     for (CRtfTextBlockInfo& block : blocks)
@@ -96,17 +98,23 @@ void InsertLineText(CRtfTextLine& line, int32_t offset, std::u16string_view text
         if (object.Position() >= offset)
             object.SetPosition(object.Position() + count);
 
-    line.SetText(std::move(newText));
-    line.SetBlocks(std::move(blocks));
-    line.SetObjects(std::move(objects));
+    CRtfTextLine result(std::move(newText));
+    result.SetAlignment(line.Alignment());
+    result.SetBlocks(std::move(blocks));
+    result.SetObjects(std::move(objects));
+    return result;
 }
 
-void RemoveLineText(CRtfTextLine& line, int32_t from, int32_t to)
+void InsertLineText(CRtfTextLine& line, int32_t offset, std::u16string_view text)
+{
+    if (!text.empty())
+        line = WithInsertedText(line, offset, text);
+}
+
+CRtfTextLine WithRemovedText(const CRtfTextLine& line, int32_t from, int32_t to)
 {
     from = ClampOffset(line, from);
-    to = ClampOffset(line, to);
-    if (from >= to)
-        return;
+    to = std::max(from, ClampOffset(line, to));
     const int32_t count = to - from;
 
     // Blocks that began inside the range were all in force at its end; folded into one block at
@@ -118,7 +126,7 @@ void RemoveLineText(CRtfTextLine& line, int32_t from, int32_t to)
     {
         if (block.Start() < from)
             blocks.push_back(block);
-        else if (block.Start() <= to)
+        else if (block.Start() <= to && count > 0)
         {
             FoldInto(combined, block);
             anyCombined = true;
@@ -127,7 +135,7 @@ void RemoveLineText(CRtfTextLine& line, int32_t from, int32_t to)
     if (anyCombined && HasAnyField(combined))
         blocks.push_back(combined);
     for (const CRtfTextBlockInfo& block : line.Blocks())
-        if (block.Start() > to)
+        if (block.Start() > to || (block.Start() >= from && count == 0))
             blocks.push_back(ShiftedBlock(block, -count));
 
     std::vector<CRtfObjectInfo> objects;
@@ -139,11 +147,21 @@ void RemoveLineText(CRtfTextLine& line, int32_t from, int32_t to)
             objects.push_back(ShiftedObject(object, -count));
     }
 
-    std::u16string newText = line.Text();
-    newText.erase(static_cast<size_t>(from), static_cast<size_t>(count));
-    line.SetText(std::move(newText));
-    line.SetBlocks(std::move(blocks));
-    line.SetObjects(std::move(objects));
+    const std::u16string_view old(line.Text());
+    std::u16string newText;
+    newText.reserve(old.size() - static_cast<size_t>(count));
+    newText.append(old.substr(0, static_cast<size_t>(from))).append(old.substr(static_cast<size_t>(to)));
+    CRtfTextLine result(std::move(newText));
+    result.SetAlignment(line.Alignment());
+    result.SetBlocks(std::move(blocks));
+    result.SetObjects(std::move(objects));
+    return result;
+}
+
+void RemoveLineText(CRtfTextLine& line, int32_t from, int32_t to)
+{
+    if (ClampOffset(line, from) < ClampOffset(line, to))
+        line = WithRemovedText(line, from, to);
 }
 
 CRtfTextLine CopyLinePart(const CRtfTextLine& line, int32_t from, int32_t to)

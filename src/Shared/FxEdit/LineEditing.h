@@ -9,6 +9,11 @@
 // The format fields in force at `offset`: every block starting at or before it, folded in order.
 CRtfTextBlockInfo FormatAt(const CRtfTextLine& line, int32_t offset);
 
+// The same as InsertLineText and RemoveLineText on a copy, building the new text with a single
+// allocation (paragraphs can be megabytes long, and every keystroke makes one of these).
+CRtfTextLine WithInsertedText(const CRtfTextLine& line, int32_t offset, std::u16string_view text);
+CRtfTextLine WithRemovedText(const CRtfTextLine& line, int32_t from, int32_t to);
+
 // Inserts plain text at `offset`; the new characters take the format of the character before
 // them (of the first character at offset 0). Object characters in `text` are not objects.
 void InsertLineText(CRtfTextLine& line, int32_t offset, std::u16string_view text);

@@ -1,6 +1,7 @@
 #include "Shared/FxEdit/LineLayout.h"
 
 #include <algorithm>
+#include <array>
 
 namespace
 {
@@ -14,7 +15,7 @@ public:
     {
     }
 
-    SLineLayout Build();
+    SLineLayout Build(const SLayoutHint* hint);
 
 private:
     struct SPiece
@@ -35,13 +36,17 @@ private:
     void Place(const SPiece& piece);
     void PlacePiece(SPiece piece);
     int32_t LongestFittingPrefix(const SPiece& piece);
-    void FinishRow(int32_t breakOffset, int32_t width, int32_t height);
-    void WrapAtLastBreak();
+    void FinishRow(int32_t breakOffset, int32_t width, int32_t height, int32_t lookahead);
+    void WrapAtLastBreak(int32_t lookahead);
+    int32_t ReusableRowStart(const SLayoutHint& hint);
+    bool ResyncWithOld(int32_t rowStart);
     void ComputeIndents();
 
     const CRtfTextLine& m_Line;
     const SLineLayoutContext& m_Context;
     SLineLayout m_Out;
+    const SLayoutHint* m_Hint = nullptr;
+    bool m_Resynced = false;
     SFontDescription m_Font;
     int32_t m_SpaceWidth = 0;
     int32_t m_FontHeight = 0;
@@ -145,21 +150,24 @@ void CRowBuilder::Place(const SPiece& piece)
     }
 }
 
-void CRowBuilder::FinishRow(int32_t breakOffset, int32_t width, int32_t height)
+void CRowBuilder::FinishRow(int32_t breakOffset, int32_t width, int32_t height, int32_t lookahead)
 {
     m_Out.rowBreaks.push_back(breakOffset);
     m_Out.rowWidths.push_back(width);
     m_Out.rowHeights.push_back(height > 0 ? height : m_FontHeight);
+    m_Out.rowLookahead.push_back(lookahead);
     m_RowStart = breakOffset;
     m_LastBreak = -1;
     m_HeightUpToBreak = 0;
+    if (m_Hint != nullptr && ResyncWithOld(breakOffset))
+        m_Resynced = true;
 }
 
-void CRowBuilder::WrapAtLastBreak()
+void CRowBuilder::WrapAtLastBreak(int32_t lookahead)
 {
     const int32_t carriedWidth = m_WidthAfterBreak;
     const int32_t carriedHeight = m_HeightAfterBreak;
-    FinishRow(m_LastBreak, m_X - carriedWidth, m_HeightUpToBreak);
+    FinishRow(m_LastBreak, m_X - carriedWidth, m_HeightUpToBreak, lookahead);
     m_X = carriedWidth;
     m_WidthAfterBreak = carriedWidth;
     m_HeightAfterBreak = carriedHeight;
@@ -187,7 +195,7 @@ int32_t CRowBuilder::LongestFittingPrefix(const SPiece& piece)
 
 void CRowBuilder::PlacePiece(SPiece piece)
 {
-    while (piece.start < piece.end)
+    while (piece.start < piece.end && !m_Resynced)
     {
         if (piece.single && m_Line.Text()[static_cast<size_t>(piece.start)] == u'\t')
             MeasureTab(piece);
@@ -196,14 +204,16 @@ void CRowBuilder::PlacePiece(SPiece piece)
             Place(piece);
             return;
         }
+        // Finding where the overflowing piece ends may have read the character after it.
+        const int32_t lookahead = piece.end + 1;
         if (m_LastBreak > m_RowStart)
         {
-            WrapAtLastBreak();
+            WrapAtLastBreak(lookahead);
             continue;
         }
         if (m_X > 0)
         {
-            FinishRow(piece.start, m_X, std::max(m_HeightUpToBreak, m_HeightAfterBreak));
+            FinishRow(piece.start, m_X, std::max(m_HeightUpToBreak, m_HeightAfterBreak), lookahead);
             m_X = 0;
             m_WidthAfterBreak = 0;
             m_HeightAfterBreak = 0;
@@ -248,26 +258,78 @@ void CRowBuilder::ComputeIndents()
     }
 }
 
-SLineLayout CRowBuilder::Build()
+int32_t CRowBuilder::ReusableRowStart(const SLayoutHint& hint)
+{
+    // The last old row whose start was decided by text before the change.
+    const SLineLayout& old = hint.old;
+    size_t row =
+        static_cast<size_t>(std::upper_bound(old.rowBreaks.begin(), old.rowBreaks.end(), hint.changeStart) -
+                            old.rowBreaks.begin());
+    while (row > 0 && old.rowLookahead[row - 1] > hint.changeStart)
+        --row;
+    m_Out.rowBreaks.assign(old.rowBreaks.begin(), old.rowBreaks.begin() + static_cast<std::ptrdiff_t>(row));
+    m_Out.rowHeights.assign(old.rowHeights.begin(),
+                            old.rowHeights.begin() + static_cast<std::ptrdiff_t>(row));
+    m_Out.rowWidths.assign(old.rowWidths.begin(), old.rowWidths.begin() + static_cast<std::ptrdiff_t>(row));
+    m_Out.rowLookahead.assign(old.rowLookahead.begin(),
+                              old.rowLookahead.begin() + static_cast<std::ptrdiff_t>(row));
+    return row == 0 ? 0 : old.rowBreaks[row - 1];
+}
+
+bool CRowBuilder::ResyncWithOld(int32_t rowStart)
+{
+    // From here on the text equals the old text shifted by delta, and a row starting at an old
+    // row start is laid out exactly as that old row and all after it.
+    if (rowStart < m_Hint->newEnd)
+        return false;
+    const SLineLayout& old = m_Hint->old;
+    const auto found = std::lower_bound(old.rowBreaks.begin(), old.rowBreaks.end(), rowStart - m_Hint->delta);
+    if (found == old.rowBreaks.end() || *found != rowStart - m_Hint->delta)
+        return false;
+    const auto oldRow = static_cast<size_t>(found - old.rowBreaks.begin()) + 1; // the row that starts there
+    for (auto next = found + 1; next != old.rowBreaks.end(); ++next)
+        m_Out.rowBreaks.push_back(*next + m_Hint->delta);
+    m_Out.rowHeights.insert(m_Out.rowHeights.end(),
+                            old.rowHeights.begin() + static_cast<std::ptrdiff_t>(oldRow),
+                            old.rowHeights.end());
+    m_Out.rowWidths.insert(m_Out.rowWidths.end(), old.rowWidths.begin() + static_cast<std::ptrdiff_t>(oldRow),
+                           old.rowWidths.end());
+    for (size_t row = oldRow; row < old.rowLookahead.size(); ++row)
+        m_Out.rowLookahead.push_back(old.rowLookahead[row] + m_Hint->delta);
+    return true;
+}
+
+SLineLayout CRowBuilder::Build(const SLayoutHint* hint)
 {
     m_Font = *m_Context.defaultFont;
-    StartFontRun(0);
-    const auto length = static_cast<int32_t>(m_Line.Text().size());
     int32_t offset = 0;
-    while (offset < length)
+    if (hint != nullptr && !hint->old.rowLookahead.empty() &&
+        hint->old.rowLookahead.size() == hint->old.rowHeights.size())
+    {
+        m_Hint = hint;
+        offset = ReusableRowStart(*hint);
+        m_RowStart = offset;
+    }
+    StartFontRun(offset);
+    const auto length = static_cast<int32_t>(m_Line.Text().size());
+    while (offset < length && !m_Resynced)
     {
         const int32_t runEnd = NextFontChange(offset);
-        while (offset < runEnd)
+        while (offset < runEnd && !m_Resynced)
         {
             const SPiece piece = NextPiece(offset, runEnd);
             PlacePiece(piece);
             offset = piece.end;
         }
-        if (offset < length)
+        if (offset < length && !m_Resynced)
             StartFontRun(offset);
     }
-    FinishRow(length, m_X, std::max(m_HeightUpToBreak, m_HeightAfterBreak));
-    m_Out.rowBreaks.pop_back(); // the last row ends with the text, not at a break
+    if (!m_Resynced)
+    {
+        m_Hint = nullptr;
+        FinishRow(length, m_X, std::max(m_HeightUpToBreak, m_HeightAfterBreak), length);
+        m_Out.rowBreaks.pop_back(); // the last row ends with the text, not at a break
+    }
     if (m_Context.fixedRowHeight > 0)
         std::fill(m_Out.rowHeights.begin(), m_Out.rowHeights.end(), m_Context.fixedRowHeight);
     ComputeIndents();
@@ -307,9 +369,10 @@ SFxExtent ObjectExtent(const CRtfObjectInfo& object)
     return {AttachmentIconSize, AttachmentIconSize};
 }
 
-SLineLayout ComputeLineLayout(const CRtfTextLine& line, const SLineLayoutContext& context)
+SLineLayout ComputeLineLayout(const CRtfTextLine& line, const SLineLayoutContext& context,
+                              const SLayoutHint* hint)
 {
-    return CRowBuilder(line, context).Build();
+    return CRowBuilder(line, context).Build(hint);
 }
 
 int32_t RowTextWidth(const CRtfTextLine& line, const SLineLayoutContext& context, int32_t rowStart,

@@ -21,7 +21,10 @@ bool IsFxWhiteSpace(char16_t c);
 // the bitmap's), an attachment's icon.
 SFxExtent ObjectExtent(const CRtfObjectInfo& object);
 
-SLineLayout ComputeLineLayout(const CRtfTextLine& line, const SLineLayoutContext& context);
+// With a hint, the rows before the change and after the point where the new rows meet the old
+// ones again are taken over from the old layout; the result is the same as without it.
+SLineLayout ComputeLineLayout(const CRtfTextLine& line, const SLineLayoutContext& context,
+                              const SLayoutHint* hint = nullptr);
 
 // The width of the characters [rowStart, to) of the row that begins at `rowStart`, measured as
 // the row builder places them.

@@ -7,6 +7,7 @@
 #include "Shared/RichText/RtfTextLine.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 struct SLineLayout
@@ -15,6 +16,21 @@ struct SLineLayout
     std::vector<int32_t> rowHeights; // pixels, one per row
     std::vector<int32_t> rowWidths;  // pixels of text on each row
     std::vector<int32_t> rowIndents; // pixels from the text area's left edge (alignment)
+    // Where the text stopped mattering to each row's end: the row's break was decided by the
+    // text before this offset, so a change at or after it cannot move the next row's start.
+    std::vector<int32_t> rowLookahead;
+};
+
+// What a re-layout may reuse after one paragraph replaced another: the old layout, and the
+// changed part. Before `changeStart` the texts and fonts are equal; from `newEnd` on the new
+// paragraph equals the old one from `newEnd - delta` on. Only what affects widths counts: the
+// text, the fonts, the objects' sizes and the alignment.
+struct SLayoutHint
+{
+    SLineLayout old;
+    int32_t changeStart = 0;
+    int32_t newEnd = 0;
+    int32_t delta = 0;
 };
 
 class COneLineInfo : public CRtfTextLine
@@ -36,8 +52,20 @@ public:
 
     bool IsLayoutValid() const { return m_Layout.rowHeights.size() == m_Layout.rowBreaks.size() + 1; }
     const SLineLayout& Layout() const { return m_Layout; }
-    void SetLayout(SLineLayout layout) { m_Layout = std::move(layout); }
-    void ClearLayout() { m_Layout = SLineLayout(); }
+    void SetLayout(SLineLayout layout)
+    {
+        m_Layout = std::move(layout);
+        m_Hint.reset();
+    }
+    void ClearLayout()
+    {
+        m_Layout = SLineLayout();
+        m_Hint.reset();
+    }
+    // Puts `line` in place of the paragraph, keeping a hint for laying it out again from the part
+    // that changed, and gives back the paragraph it replaced (moved out, not copied).
+    CRtfTextLine ReplaceParagraph(CRtfTextLine line);
+    const std::optional<SLayoutHint>& Hint() const { return m_Hint; }
 
     int32_t RowCount() const { return static_cast<int32_t>(m_Layout.rowBreaks.size()) + 1; }
     int32_t RowHeight(int32_t row) const;
@@ -57,4 +85,5 @@ public:
 
 private:
     SLineLayout m_Layout;
+    std::optional<SLayoutHint> m_Hint;
 };

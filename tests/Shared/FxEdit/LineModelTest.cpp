@@ -227,3 +227,58 @@ TEST(OneLineInfo, LayoutPositionsGiveEachWrappedRowAnExtraPlace)
     const COneLineInfo moved(std::move(line));
     EXPECT_TRUE(moved.IsLayoutValid());
 }
+
+TEST(LineLayout, ReLayoutFromTheChangedPartEqualsAFullLayout)
+{
+    CFxEditTestHost host;
+    SLineLayoutContext context;
+    context.host = &host;
+    context.width = 100;
+    context.defaultFont = &DefaultFont;
+    context.tabStopWidth = 80;
+    std::mt19937 random(11);
+    const std::u16string alphabet = u"abc de,f\tghijklmnopq ";
+    int reused = 0;
+    for (int round = 0; round < 300; ++round)
+    {
+        std::u16string text;
+        for (int i = 0; i < 200; ++i)
+            text += alphabet[random() % alphabet.size()];
+        COneLineInfo line{CRtfTextLine(text)};
+        line.AddBlock(
+            FontBlock(static_cast<int32_t>(random() % 200), 8 + static_cast<int32_t>(random() % 20)));
+        line.SetLayout(ComputeLineLayout(line, context));
+        for (int edit = 0; edit < 10; ++edit)
+        {
+            CRtfTextLine changed = line.Paragraph();
+            const auto length = static_cast<int32_t>(changed.Text().size());
+            const int32_t at = static_cast<int32_t>(random() % static_cast<uint32_t>(length + 1));
+            switch (random() % 3)
+            {
+            case 0:
+                InsertLineText(changed, at,
+                               std::u16string(1 + random() % 30, alphabet[random() % alphabet.size()]));
+                break;
+            case 1:
+                RemoveLineText(changed, at, at + static_cast<int32_t>(random() % 20));
+                break;
+            case 2:
+                ApplyLineFormat(changed, at, at + 5, FontBlock(at, 8 + static_cast<int32_t>(random() % 20)),
+                                DefaultFont);
+                break;
+            }
+            line.ReplaceParagraph(changed);
+            reused += line.Hint().has_value() ? 1 : 0;
+            const SLineLayout incremental =
+                ComputeLineLayout(line, context, line.Hint() ? &*line.Hint() : nullptr);
+            const SLineLayout full = ComputeLineLayout(line, context);
+            ASSERT_EQ(incremental.rowBreaks, full.rowBreaks) << round << "/" << edit;
+            ASSERT_EQ(incremental.rowHeights, full.rowHeights) << round << "/" << edit;
+            ASSERT_EQ(incremental.rowWidths, full.rowWidths) << round << "/" << edit;
+            ASSERT_EQ(incremental.rowIndents, full.rowIndents) << round << "/" << edit;
+            ASSERT_EQ(incremental.rowLookahead, full.rowLookahead) << round << "/" << edit;
+            line.SetLayout(incremental);
+        }
+    }
+    EXPECT_GT(reused, 1500); // most edits could reuse rows
+}
