@@ -16,10 +16,14 @@ std::string SCliArgs::Value(std::string_view option, std::string_view fallback) 
     return std::string(fallback);
 }
 
+SCliCommand CliSearchCommand(); // CliSearch.cpp
+
 const std::vector<SCliCommand>& CliCommands()
 {
     // Commands register here, one line each, in the order the help lists them.
-    static const std::vector<SCliCommand> commands = {};
+    static const std::vector<SCliCommand> commands = {
+        CliSearchCommand(),
+    };
     return commands;
 }
 
