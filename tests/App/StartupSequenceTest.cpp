@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <string>
 
 namespace
 {
@@ -213,4 +214,19 @@ TEST_F(StartupSequence, LanguageModuleFollowsTheUsersLanguageUntilOneIsChosen)
         u"Error. Cannot load default language module /opt/quill/Languages/Missing.lng. Unable to proceed.");
     EXPECT_EQ(m_Box.shown[0].icon, EMsgIcon::Error);
     EXPECT_TRUE(m_Centers.events.empty());
+}
+
+TEST(StartupDocumentsFolder, XdgDocumentsDirCountsOnlyWhenAbsolute)
+{
+    const CXdgDocumentsFolder documents;
+    const char* home = std::getenv("HOME");
+    const std::string savedHome = home ? home : "";
+    ::setenv("HOME", "/home/tester", 1);
+    ::setenv("XDG_DOCUMENTS_DIR", "/data/Docs", 1);
+    EXPECT_EQ(documents.PersonalDocumentsFolder(), u"/data/Docs/");
+    ::setenv("XDG_DOCUMENTS_DIR", "Docs", 1);
+    EXPECT_EQ(documents.PersonalDocumentsFolder(), u"/home/tester/Documents/");
+    ::unsetenv("XDG_DOCUMENTS_DIR");
+    EXPECT_EQ(documents.PersonalDocumentsFolder(), u"/home/tester/Documents/");
+    ::setenv("HOME", savedHome.c_str(), 1);
 }
