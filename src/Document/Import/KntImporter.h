@@ -1,0 +1,22 @@
+#pragma once
+// Import of KeyNote ".knt" files (the 1.x and 2.x text layout): each folder of the file becomes a
+// folder, each tree node a note; a node with child nodes becomes a folder holding a note of the
+// same caption with the node's text (when it has any) before its children. Simple folders
+// become a folder with one note. Files in the 3.x layout and encrypted files are refused.
+#include "Document/Import/ImportTarget.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct SFontDescription;
+
+// Reads the whole file into `items` (appended). False after one error line naming `fileName`
+// when the file is not a .knt text file, is in a layout not supported, is encrypted, is
+// malformed or holds a note whose RTF cannot be read; `items` is then unchanged.
+bool ParseKntFile(std::string_view bytes, const std::u16string& fileName, const SFontDescription& defaultFont,
+                  std::vector<SImportItem>& items);
+
+// Parses and then adds the file's folders under `parent`.
+bool ImportKntFile(std::string_view bytes, const std::u16string& fileName,
+                   const SFontDescription& defaultFont, IImportTarget& target, CFolderBase& parent);
