@@ -1,4 +1,5 @@
 #include "Cli/CliCommand.h"
+#include "Cli/CliCommandSet.h"
 
 #include <algorithm>
 #include <ostream>
@@ -22,6 +23,18 @@ const std::vector<SCliCommand>& CliCommands()
 {
     // Commands register here, one line each, in the order the help lists them.
     static const std::vector<SCliCommand> commands = {
+        NewCommand(),
+        InfoCommand(),
+        TreeCommand(),
+        AddFolderCommand(),
+        AddNoteCommand(),
+        CatCommand(),
+        RenameCommand(),
+        MoveCommand(),
+        RmCommand(),
+        CheckCommand(),
+        DefragCommand(),
+        BackupCommand(),
         CliSearchCommand(),
     };
     return commands;
