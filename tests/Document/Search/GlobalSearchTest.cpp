@@ -151,29 +151,3 @@ TEST_F(GlobalSearchTest, CancellingFromTheProgressCallbackStopsTheWalk)
         EXPECT_EQ(walk.Results().size(), expectedHits[stopAfter]) << stopAfter;
     }
 }
-
-TEST(GlobalSearchWalk, StartsAtANoteOrAFolderOfAnyDepth)
-{
-    CMemNote note;
-    note.SetCaption(u"lonely");
-    note.GetRichText()->BuildFromPlainText(u"needle");
-    const CTextSearch search(u"needle", false, false, true);
-    CSearchStatus status;
-    CGlobalSearch walk(search, status);
-    EXPECT_TRUE(walk.Run(note));
-    ASSERT_EQ(walk.Results().size(), 1u);
-    EXPECT_EQ(walk.Results()[0].item, &note);
-
-    // A chain of nested folders is walked without recursion.
-    CMemFolder top;
-    CFolderBase* folder = &top;
-    for (int depth = 0; depth < 2000; ++depth)
-        folder = &AddFolder(*folder, u"level");
-    AddNote(*folder, u"deep", u"a needle at the bottom");
-    CSearchStatus deepStatus;
-    CGlobalSearch deepWalk(search, deepStatus);
-    EXPECT_TRUE(deepWalk.Run(top));
-    ASSERT_EQ(deepWalk.Results().size(), 1u);
-    EXPECT_EQ(deepWalk.Results()[0].caption, u"deep");
-    EXPECT_EQ(deepStatus.Done(), 2002u);
-}
