@@ -641,7 +641,9 @@ private:
             return state.groupCodePage;
         if (state.fontCodePage != 0)
             return state.fontCodePage;
-        return m_DocumentCodePage;
+        // Text before any \f is in the default font, whose character set may name a code page.
+        const int defaultFontCodePage = state.format.font < 0 ? FontCodePage(m_DefaultFontNumber) : 0;
+        return defaultFontCodePage != 0 ? defaultFontCodePage : m_DocumentCodePage;
     }
 
     void FlushPendingBytes()

@@ -196,6 +196,7 @@ TEST(RtfReaderTest, CodePageBytesFollowDocumentFontAndGroupCodePages)
     EXPECT_EQ(u"\u0105a\u00b9",
               TextOf(Read(
                   "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset238 Arial CE;}}\\f1\\'b9a\\f0\\'b9}")));
+    EXPECT_EQ(u"\u0439", TextOf(Read("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0\\fcharset204 Arial;}}\\'e9}")));
     // Double-byte code pages need both bytes together.
     EXPECT_EQ(u"\u3042", TextOf(Read("{\\rtf1\\ansi\\ansicpg932 \\'82\\'a0}")));
     EXPECT_EQ(u"\u00e9\u0439", TextOf(Read("{\\rtf1\\ansi \\'e9{\\cpg1251\\'e9}}")));
