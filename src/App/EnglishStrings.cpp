@@ -176,6 +176,9 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"WIZARDDLG_SAMPLE_TREE_TASK_TEXT=Create a folder of your own.\nAdd a note to it and write something.\nSet an alarm on an item to be reminded of it.",
     u"WIZARDDLG_SAMPLE_TREE_WELCOME_CAPTION=Welcome",
     u"WIZARDDLG_SAMPLE_TREE_WELCOME_TEXT=Welcome to Quillarium Organizer!\nKeep your notes in folders and find them again with the global search.\nEverything is stored in one data file, which is backed up automatically.",
+
+    // Editor (FxEdit): attachment files
+    u"ERR_CANNOT_SAVE_ATTACHMENT=Cannot save the attachment as ^filename.",
 };
 } // namespace
 
