@@ -4,6 +4,8 @@ namespace DataFileIo
 {
 void ReadExact(IFile& file, uint64_t position, void* data, size_t size)
 {
+    if (size == 0) // an empty buffer may have no address at all
+        return;
     size_t done = 0;
     if (!file.ReadAt(position, data, size, done))
         throw CDataFileError{file.LastCause()};
