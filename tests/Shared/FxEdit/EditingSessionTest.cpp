@@ -432,3 +432,45 @@ TEST_F(FxEditSession, ChangeCaseTabifyAndBullets)
     edit.ToggleBullets();
     EXPECT_EQ(edit.Line(0).Text(), u"HELLO WORLD");
 }
+
+TEST_F(FxEditSession, HitTestingAndPagingFollowTheRows)
+{
+    // Rows of 16 pixels; ten lines, the first one wrapped into two rows.
+    CRichTextDocument document = Document({u"hello world foo"});
+    for (int i = 1; i < 10; ++i)
+        document.AppendLine(CRtfTextLine(u"line"));
+    edit.SetDocument(document);
+    EXPECT_EQ(edit.TotalRows(), 11);
+    EXPECT_EQ(edit.TotalHeight(), 176);
+    EXPECT_EQ(edit.HitTest(0, 0), (SFxPosition{0, 0}));
+    EXPECT_EQ(edit.HitTest(24, 20), (SFxPosition{0, 9})); // second row, nearer to character 8's right edge
+    EXPECT_EQ(edit.HitTest(500, 40), (SFxPosition{1, 4}));
+    EXPECT_EQ(edit.HitTest(0, 5000), (SFxPosition{9, 0})); // below the text: the last row
+
+    host.height = 48; // three rows per screen, a page is two
+    edit.SetCaret({0, 0});
+    edit.MoveCaret(EFxKey::PageDown, false, false);
+    EXPECT_EQ(edit.Caret(), (SFxPosition{1, 0}));
+    edit.MoveCaret(EFxKey::PageDown, false, true);
+    EXPECT_EQ(edit.Caret(), (SFxPosition{3, 0}));
+    EXPECT_EQ(edit.Anchor(), (SFxPosition{1, 0}));
+    // The view followed the caret: its row is the last one on the screen.
+    EXPECT_EQ(edit.TopLine(), 1);
+    edit.MoveCaret(EFxKey::Home, true, false);
+    EXPECT_EQ(edit.TopLine(), 0);
+    EXPECT_EQ(edit.TopRow(), 0);
+}
+
+TEST_F(FxEditSession, NewLinesCanStartWithADateAndTimeStamp)
+{
+    SFxEditSettings settings;
+    settings.stampDateTimeForEachNewLine = true;
+    settings.timeStampFormat = 0;
+    edit.SetSettings(settings);
+    host.clock.now = 46000.25; // 9 December 2025, 06:00
+    Type(edit, u"a");
+    edit.Enter();
+    EXPECT_EQ(EditorText(edit), u"a\nTuesday, December 09, 2025 06:00 ");
+    edit.Undo(); // the stamp is its own insertion
+    EXPECT_EQ(EditorText(edit), u"a\n");
+}
