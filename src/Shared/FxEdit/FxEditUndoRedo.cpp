@@ -52,7 +52,7 @@ void CFxEditUndoRedo::AddStep(int32_t line, int32_t kind, std::unique_ptr<CRtfTe
                               std::unique_ptr<CRtfTextLine> after)
 {
     if (!m_Open || m_Current < 0)
-        throw std::logic_error("undo step recorded outside a quantum");
+        throw std::invalid_argument("undo step recorded outside a quantum");
     COneUndoQuant& quant = m_Quanta[static_cast<size_t>(m_Current)];
     const uint64_t bytes = LineBytes(before.get()) + LineBytes(after.get()) + sizeof(SOneUndoStep);
     quant.steps.push_back(SOneUndoStep{line, kind, std::move(before), std::move(after)});
