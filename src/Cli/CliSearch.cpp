@@ -1,8 +1,8 @@
 // quillarium-cli search: the global search of the desktop program over a document, printing one
 // line (or one JSON object) per listed folder or note.
-#include "Cli/CliCommand.h"
+#include "Cli/CliCommandSet.h"
+#include "Cli/CliSession.h"
 #include "Document/DBFolder.h"
-#include "Document/DataCenter.h"
 #include "Document/GlobalSearch.h"
 #include "Shared/Base/TextConv.h"
 
@@ -44,24 +44,18 @@ void PrintJson(const std::vector<SSearchResultEntry>& results, std::ostream& out
     out << "]}\n";
 }
 
-int RunSearch(const SCliArgs& args, std::ostream& out, std::ostream& err)
+int RunSearch(const SCliCommand& command, const SCliArgs& args, std::ostream& out, std::ostream& err)
 {
-    if (args.positional.size() != 2)
-    {
-        err << "quillarium-cli: search needs FILE and QUERY (see search --help)\n";
+    if (!HasArgCount(args, 2, command, err))
         return CliBadUsage;
-    }
-    CDataCenter document;
-    if (!document.OpenDocument(Utf8ToUtf16(args.positional[0])) || !document.GetRoot())
-    {
-        err << "quillarium-cli: cannot open " << args.positional[0] << "\n";
+    CCliSession session(err);
+    if (!session.Open(args.positional[0]))
         return CliFailure;
-    }
     const CTextSearch search(Utf8ToUtf16(args.positional[1]), args.Has("--case"), args.Has("--whole-words"),
                              args.Has("--boolean"));
     CSearchStatus status;
     CGlobalSearch walk(search, status);
-    walk.Run(*document.GetRoot());
+    walk.Run(*session.Center().GetRoot());
     if (args.json)
         PrintJson(walk.Results(), out);
     else
@@ -72,9 +66,13 @@ int RunSearch(const SCliArgs& args, std::ostream& out, std::ostream& err)
 
 SCliCommand CliSearchCommand()
 {
-    return {"search",
-            "search FILE QUERY [--case] [--whole-words] [--boolean] [--json]",
-            "Lists the folders and notes that the global search finds, one \"kind<TAB>path\" line each.",
-            {},
-            RunSearch};
+    SCliCommand command{
+        "search",
+        "search FILE QUERY [--case] [--whole-words] [--boolean] [--json]",
+        "Lists the folders and notes that the global search finds, one \"kind<TAB>path\" line each.",
+        {},
+        {}};
+    command.run = [command](const SCliArgs& args, std::ostream& out, std::ostream& err)
+    { return RunSearch(command, args, out, err); };
+    return command;
 }
