@@ -109,6 +109,7 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"GLOBALSEARCHDLG_WHOLE_WORDS=Whole words only",
 
     // Menus
+    u"MENU_EIDT=Edit",
     u"MENU_EIDT_ADVANCED=Advanced",
     u"MENU_EIDT_ADVANCED_LINEDOWN=Move Line Down",
     u"MENU_EIDT_ADVANCED_LINEUP=Move Line Up",
@@ -130,6 +131,8 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"MENU_EIDT_RESTORE_IMAGE_SIZE=Restore Original Image Size",
     u"MENU_EIDT_STAMP_DATE=Date Stamp",
     u"MENU_EIDT_STAMP_TIME=Time Stamp",
+    u"MENU_FILE=File",
+    u"MENU_FILE_EXIT=Exit",
     u"MENU_FILE_OPEN=Open",
     u"MENU_FILE_SAVEAS=Save As...",
     u"MENU_ITEM_COLOR=Colour",
@@ -171,11 +174,15 @@ constexpr std::u16string_view kEnglishStrings[] = {
 
     // Sample notes of a new document's default tree
     u"WIZARDDLG_SAMPLE_TREE_IDEA_CAPTION=Idea: plan a weekend trip",
-    u"WIZARDDLG_SAMPLE_TREE_IDEA_TEXT=Collect ideas here as they come.\nA note can hold text, pictures and attached files.",
+    u"WIZARDDLG_SAMPLE_TREE_IDEA_TEXT=Collect ideas here as they come.\nA note can hold text, pictures and "
+    u"attached files.",
     u"WIZARDDLG_SAMPLE_TREE_TASK_CAPTION=Try out Quillarium Organizer",
-    u"WIZARDDLG_SAMPLE_TREE_TASK_TEXT=Create a folder of your own.\nAdd a note to it and write something.\nSet an alarm on an item to be reminded of it.",
+    u"WIZARDDLG_SAMPLE_TREE_TASK_TEXT=Create a folder of your own.\nAdd a note to it and write "
+    u"something.\nSet an alarm on an item to be reminded of it.",
     u"WIZARDDLG_SAMPLE_TREE_WELCOME_CAPTION=Welcome",
-    u"WIZARDDLG_SAMPLE_TREE_WELCOME_TEXT=Welcome to Quillarium Organizer!\nKeep your notes in folders and find them again with the global search.\nEverything is stored in one data file, which is backed up automatically.",
+    u"WIZARDDLG_SAMPLE_TREE_WELCOME_TEXT=Welcome to Quillarium Organizer!\nKeep your notes in folders and "
+    u"find them again with the global search.\nEverything is stored in one data file, which is backed up "
+    u"automatically.",
 
     // Editor (FxEdit): attachment files
     u"ERR_CANNOT_SAVE_ATTACHMENT=Cannot save the attachment as ^filename.",

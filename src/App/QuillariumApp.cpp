@@ -115,9 +115,7 @@ void CQuillariumApp::ExitInstance()
     m_DataCenter.reset();
     m_Connector.SetLanguageModule(nullptr);
     m_Language.reset();
-    if (m_Preferences)
-    {
+    if (m_Preferences && m_SavePreferences)
         m_Preferences->Save(m_Locations.PreferencesFilePath());
-        m_Preferences.reset();
-    }
+    m_Preferences.reset();
 }

@@ -56,6 +56,9 @@ public:
     void LoadPreferences();
     bool LoadLanguageModule();
     bool ChooseAndOpenDataFile();
+    // For a shell that only reads the preferences (the command-line tool): they are not written
+    // back at exit, so changes a running copy of the program saves meanwhile are kept.
+    void KeepPreferencesFileUnchanged() { m_SavePreferences = false; }
 
     CAppLocations& Locations() { return m_Locations; }
     CPreferences* Preferences() const { return m_Preferences.get(); }
@@ -79,4 +82,5 @@ private:
     std::unique_ptr<IStartupDataCenter> m_DataCenter;
     std::u16string m_DataFilePath;
     bool m_AutoStartup = false;
+    bool m_SavePreferences = true;
 };

@@ -28,7 +28,7 @@ SCliCommand AddFolderCommand()
     {
         if (!HasArgCount(args, 3, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CFolderBase* parent = session.FindFolder(args.positional[1]);
@@ -69,7 +69,7 @@ SCliCommand AddNoteCommand()
             }
             text = DecodePlainTextBytes(bytes);
         }
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CFolderBase* parent = session.FindFolder(args.positional[1]);

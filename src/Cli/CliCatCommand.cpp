@@ -23,7 +23,7 @@ SCliCommand CatCommand()
             err << "quillarium-cli: unknown format '" << format << "'\n";
             return int(CliBadUsage);
         }
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CItem* item = session.FindItem(args.positional[1]);

@@ -84,7 +84,7 @@ SCliCommand CheckCommand()
     {
         if (!HasArgCount(args, 1, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         std::vector<std::string> problems;
         if (!session.Open(args.positional[0]))
             problems.push_back("the file does not open as a document");

@@ -21,6 +21,10 @@ struct SCliArgs
     std::vector<std::string> positional;
     std::vector<std::pair<std::string, std::string>> options; // "--name" -> value ("" for flags)
     bool json = false;
+    // Where a password-protected file's password comes from: the first line of this file when
+    // named, otherwise a line of `in` (the tool's standard input).
+    std::string passwordFile;
+    std::istream* in = nullptr;
 
     bool Has(std::string_view option) const;
     // The value of an option that takes one; `fallback` when absent.
@@ -39,8 +43,9 @@ struct SCliCommand
 
 const std::vector<SCliCommand>& CliCommands();
 
-// Parses `words` (argv without the program name) and runs the command; the whole tool.
-int RunCli(const std::vector<std::string>& words, std::ostream& out, std::ostream& err);
+// Parses `words` (argv without the program name) and runs the command; the whole tool. Passwords
+// are read from `in`.
+int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream& out, std::ostream& err);
 
 // Text for JSON string values (quotes, backslashes and control characters escaped).
 std::string JsonEscape(std::string_view utf8);

@@ -14,6 +14,7 @@ SCliCommand RmCommand();
 SCliCommand CheckCommand();
 SCliCommand DefragCommand();
 SCliCommand BackupCommand();
+SCliCommand PasswdCommand();
 
 // Shared by the commands: writes "quillarium-cli: <usage line>" to `err` and answers CliBadUsage
 // when the positional arguments are not exactly `count`.

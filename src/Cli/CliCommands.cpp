@@ -23,19 +23,9 @@ const std::vector<SCliCommand>& CliCommands()
 {
     // Commands register here, one line each, in the order the help lists them.
     static const std::vector<SCliCommand> commands = {
-        NewCommand(),
-        InfoCommand(),
-        TreeCommand(),
-        AddFolderCommand(),
-        AddNoteCommand(),
-        CatCommand(),
-        RenameCommand(),
-        MoveCommand(),
-        RmCommand(),
-        CheckCommand(),
-        DefragCommand(),
-        BackupCommand(),
-        CliSearchCommand(),
+        NewCommand(),    InfoCommand(),   TreeCommand(),      AddFolderCommand(), AddNoteCommand(),
+        CatCommand(),    RenameCommand(), MoveCommand(),      RmCommand(),        CheckCommand(),
+        DefragCommand(), BackupCommand(), CliSearchCommand(), PasswdCommand(),
     };
     return commands;
 }
@@ -51,7 +41,9 @@ void PrintHelp(std::ostream& out)
     for (const SCliCommand& command : CliCommands())
         out << "  " << command.usage << "\n      " << command.summary << "\n";
     out << "\nItems are named by their path from the root (captions joined with \"\\\") or by\n"
-           "their ID in hex. Exit status: 0 success, 1 failure, 2 bad usage.\n";
+           "their ID in hex. A password-protected file asks for its password on stdin, or\n"
+           "takes the first line of --password-file FILE.\n"
+           "Exit status: 0 success, 1 failure, 2 bad usage.\n";
 }
 
 const SCliCommand* FindCommand(std::string_view name)
@@ -85,7 +77,8 @@ bool ParseArgs(const SCliCommand& command, const std::vector<std::string>& words
             args.json = true;
             continue;
         }
-        if (!TakesValue(command, word))
+        const bool common = word == "--password-file";
+        if (!common && !TakesValue(command, word))
         {
             args.options.emplace_back(word, "");
             continue;
@@ -95,13 +88,16 @@ bool ParseArgs(const SCliCommand& command, const std::vector<std::string>& words
             err << "quillarium-cli: " << word << " needs a value\n";
             return false;
         }
-        args.options.emplace_back(word, words[++i]);
+        if (common)
+            args.passwordFile = words[++i];
+        else
+            args.options.emplace_back(word, words[++i]);
     }
     return true;
 }
 } // namespace
 
-int RunCli(const std::vector<std::string>& words, std::ostream& out, std::ostream& err)
+int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream& out, std::ostream& err)
 {
     if (words.empty())
     {
@@ -120,6 +116,7 @@ int RunCli(const std::vector<std::string>& words, std::ostream& out, std::ostrea
         return CliBadUsage;
     }
     SCliArgs args;
+    args.in = &in;
     if (!ParseArgs(*command, words, args, err))
         return CliBadUsage;
     if (args.Has("--help"))

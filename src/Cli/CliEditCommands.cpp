@@ -28,7 +28,7 @@ SCliCommand RenameCommand()
     {
         if (!HasArgCount(args, 3, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CItem* item = session.FindItem(args.positional[1]);
@@ -47,7 +47,7 @@ SCliCommand MoveCommand()
     {
         if (!HasArgCount(args, 3, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CItem* item = session.FindItem(args.positional[1]);
@@ -67,7 +67,7 @@ SCliCommand RmCommand()
     {
         if (!HasArgCount(args, 2, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CItem* item = session.FindItem(args.positional[1]);

@@ -13,7 +13,7 @@ SCliCommand InfoCommand()
     {
         if (!HasArgCount(args, 1, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CDataCenter& center = session.Center();

@@ -26,7 +26,7 @@ SCliCommand DefragCommand()
             err << "quillarium-cli: --quick needs a number of milliseconds\n";
             return int(CliBadUsage);
         }
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CDataFile& file = session.Center().GetDatabase().GetDataFile();
@@ -59,7 +59,7 @@ SCliCommand BackupCommand()
     {
         if (!HasArgCount(args, 1, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         CDataCenter& center = session.Center();

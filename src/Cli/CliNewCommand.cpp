@@ -10,7 +10,7 @@ SCliCommand NewCommand()
     {
         if (!HasArgCount(args, 1, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Create(args.positional[0]))
             return int(CliFailure);
         if (args.json)

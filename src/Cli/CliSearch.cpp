@@ -48,7 +48,7 @@ int RunSearch(const SCliCommand& command, const SCliArgs& args, std::ostream& ou
 {
     if (!HasArgCount(args, 2, command, err))
         return CliBadUsage;
-    CCliSession session(err);
+    CCliSession session(args, err);
     if (!session.Open(args.positional[0]))
         return CliFailure;
     const CTextSearch search(Utf8ToUtf16(args.positional[1]), args.Has("--case"), args.Has("--whole-words"),

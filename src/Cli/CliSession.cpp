@@ -2,9 +2,13 @@
 
 #include "App/AppIdentity.h"
 #include "App/EnglishStrings.h"
+#include "Cli/CliCommand.h"
 #include "Document/DBFolder.h"
 #include "Shared/Base/TextConv.h"
+#include "Shared/Log/Log.h"
 
+#include <fstream>
+#include <istream>
 #include <ostream>
 
 namespace
@@ -50,16 +54,32 @@ CItem* ChildByCaption(CFolderBase& folder, std::u16string_view caption)
             return folder.GetChild(i);
     return nullptr;
 }
+
+// A line without its end; a password typed on Windows keeps no carriage return.
+bool ReadLine(std::istream& in, std::string& line)
+{
+    if (!std::getline(in, line))
+        return false;
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return true;
+}
 } // namespace
 
-CCliSession::CCliSession(std::ostream& err)
-    : m_Err(err), m_Center(DiskFileSystem(), SystemClock(), DiskFileTimes(), this)
+CCliSession::CCliSession(const SCliArgs& args, std::ostream& err)
+    : m_Err(err), m_In(args.in), m_PasswordFile(args.passwordFile),
+      m_Center(DiskFileSystem(), SystemClock(), DiskFileTimes(), this)
 {
-    m_Language.LoadBuiltIn(std::u16string(kDefaultLanguageModuleName), EnglishStrings());
     m_Previous = CAppConnector::Get();
+    CLanguageModule* language = m_Previous ? m_Previous->GetLanguageModule() : nullptr;
+    if (!language)
+    {
+        m_Language.LoadBuiltIn(std::u16string(kDefaultLanguageModuleName), EnglishStrings());
+        language = &m_Language;
+    }
     if (m_Previous)
         m_Connector.SetLog(m_Previous->GetLog());
-    m_Connector.SetLanguageModule(&m_Language);
+    m_Connector.SetLanguageModule(language);
     m_Connector.SetMessageBox(this);
     CAppConnector::Install(&m_Connector);
 }
@@ -68,6 +88,50 @@ CCliSession::~CCliSession()
 {
     m_Center.CloseDocument();
     CAppConnector::Install(m_Previous);
+}
+
+bool CCliSession::Open(const std::string& path)
+{
+    if (!m_Center.OpenDocument(Path16(path)))
+        return false;
+    CItemRecords& records = m_Center.GetRecords();
+    if (!records.IsPasswordSet())
+        return true;
+    // An empty text passes the record check by design, so it is refused here.
+    if (ReadPassword(path) && !m_Password.empty() && records.CheckPassword(m_Password))
+        return true;
+    LogMessage(u"Error: Cannot unlock file %s: the password is missing or wrong.", Path16(path));
+    m_Err << "quillarium-cli: wrong password for " << path << "\n";
+    m_Password.clear();
+    m_Center.CloseDocument();
+    return false;
+}
+
+bool CCliSession::ReadPassword(const std::string& path)
+{
+    if (m_PasswordFile.empty())
+    {
+        m_Password = ReadInputLine("Password for " + path + ": ");
+        return true;
+    }
+    std::ifstream file(m_PasswordFile, std::ios::binary);
+    std::string line;
+    if (!file || !ReadLine(file, line))
+    {
+        m_Err << "quillarium-cli: cannot read the password file " << m_PasswordFile << "\n";
+        return false;
+    }
+    m_Password = Utf8ToUtf16(line);
+    return true;
+}
+
+std::u16string CCliSession::ReadInputLine(std::string_view prompt)
+{
+    m_Err << prompt << std::flush;
+    std::string line;
+    if (!m_In || !ReadLine(*m_In, line))
+        return {};
+    return Utf8ToUtf16(line);
 }
 
 std::u16string CCliSession::Path16(const std::string& path)

@@ -1,7 +1,8 @@
 #pragma once
-// What every document command of quillarium-cli shares: the built-in English language module (so
-// the data center's messages read as in the program), a message box that prints to the error
-// stream, the data center, and naming items by path or ID.
+// What every document command of quillarium-cli shares: the language module (the program's, when
+// the tool's start-up loaded it, otherwise the built-in English one, so the data center's
+// messages read as in the program), a message box that prints to the error stream, the data
+// center, the file password, and naming items by path or ID.
 #include "Document/DataCenter.h"
 #include "Shared/Base/AppConnector.h"
 #include "Shared/Base/MessageBox.h"
@@ -9,6 +10,9 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
+
+struct SCliArgs;
 
 class CItem;
 class CFolderBase;
@@ -16,14 +20,22 @@ class CFolderBase;
 class CCliSession : public IMessageBox
 {
 public:
-    explicit CCliSession(std::ostream& err);
+    // The password of a protected file comes from `args` (its --password-file or its input).
+    CCliSession(const SCliArgs& args, std::ostream& err);
     ~CCliSession() override;
     CCliSession(const CCliSession&) = delete;
     CCliSession& operator=(const CCliSession&) = delete;
 
-    bool Open(const std::string& path) { return m_Center.OpenDocument(Path16(path)); }
+    // Opens the document; a password-protected one only with its password, and is closed again
+    // when the password read is empty or wrong.
+    bool Open(const std::string& path);
     bool Create(const std::string& path) { return m_Center.CreateDocument(Path16(path)); }
     CDataCenter& Center() { return m_Center; }
+    // The password the open document was unlocked with; empty when it has none.
+    const std::u16string& Password() const { return m_Password; }
+    // The next line of the input (without its line end) after writing `prompt` to the error
+    // stream; empty at the end of the input.
+    std::u16string ReadInputLine(std::string_view prompt);
 
     // An item named by its path from the root (captions joined with "\", a leading "\" optional)
     // or by its record ID in hex. Null, with a message on the error stream, when there is none.
@@ -38,8 +50,12 @@ public:
 private:
     CItem* FindByPath(const std::u16string& path);
     CItem* FindById(const std::string& hex);
+    bool ReadPassword(const std::string& path);
 
     std::ostream& m_Err;
+    std::istream* m_In;
+    std::string m_PasswordFile;
+    std::u16string m_Password;
     CLanguageModule m_Language;
     CAppConnector m_Connector;
     CAppConnector* m_Previous = nullptr;

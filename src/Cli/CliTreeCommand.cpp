@@ -35,7 +35,7 @@ SCliCommand TreeCommand()
     {
         if (!HasArgCount(args, 1, command, err))
             return int(CliBadUsage);
-        CCliSession session(err);
+        CCliSession session(args, err);
         if (!session.Open(args.positional[0]))
             return int(CliFailure);
         bool first = true;

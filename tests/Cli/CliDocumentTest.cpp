@@ -19,8 +19,9 @@ struct SRun
 
 SRun Cli(const std::vector<std::string>& words)
 {
+    std::istringstream in;
     std::ostringstream out, err;
-    const int status = RunCli(words, out, err);
+    const int status = RunCli(words, in, out, err);
     return {status, out.str(), err.str()};
 }
 

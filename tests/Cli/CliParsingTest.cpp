@@ -6,14 +6,15 @@
 
 TEST(CliParsing, HelpUnknownCommandAndMissingCommand)
 {
+    std::istringstream in;
     std::ostringstream out, err;
-    EXPECT_EQ(RunCli({"--help"}, out, err), CliSuccess);
+    EXPECT_EQ(RunCli({"--help"}, in, out, err), CliSuccess);
     EXPECT_NE(out.str().find("Usage: quillarium-cli COMMAND"), std::string::npos);
 
-    EXPECT_EQ(RunCli({"no-such-command"}, out, err), CliBadUsage);
+    EXPECT_EQ(RunCli({"no-such-command"}, in, out, err), CliBadUsage);
     EXPECT_NE(err.str().find("unknown command 'no-such-command'"), std::string::npos);
 
-    EXPECT_EQ(RunCli({}, out, err), CliBadUsage);
+    EXPECT_EQ(RunCli({}, in, out, err), CliBadUsage);
 }
 
 TEST(CliParsing, JsonEscapeQuotesBackslashesAndControls)

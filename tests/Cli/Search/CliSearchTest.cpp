@@ -30,7 +30,8 @@ protected:
     {
         out.str({});
         err.str({});
-        return RunCli(words, out, err);
+        std::istringstream in;
+        return RunCli(words, in, out, err);
     }
 
     CTempFolder temp;

@@ -1,0 +1,42 @@
+#include "Cli/CliEnvironment.h"
+
+#include "Document/FileTimes.h"
+#include "Shared/Base/File.h"
+#include "Shared/Base/OleDate.h"
+#include "Shared/Base/TextConv.h"
+#include "Shared/LanguagesMgr/SystemLanguage.h"
+
+#include <ostream>
+
+EMsgResult CCliEnvironment::CStreamMessageBox::Show(const std::u16string& text, EMsgIcon, EMsgButtons)
+{
+    m_Err << "quillarium-cli: " << Utf16ToUtf8(text) << "\n";
+    return EMsgResult::Ok;
+}
+
+CCliEnvironment::CCliEnvironment(std::u16string applicationFolder, std::ostream& err)
+    : m_MessageBox(err), m_DataCenters(DiskFileSystem(), SystemClock(), DiskFileTimes(), &m_MessageBox)
+{
+    const SAppServices services{std::move(applicationFolder),
+                                std::u16string(),
+                                UserDefaultLanguageId(),
+                                DiskFileSystem(),
+                                SystemClock(),
+                                m_Fonts,
+                                m_Documents,
+                                m_RunningInstances,
+                                m_DataCenters,
+                                m_NewFileDialog,
+                                m_MessageBox};
+    m_App = std::make_unique<CQuillariumApp>(services);
+    m_App->KeepPreferencesFileUnchanged();
+}
+
+CCliEnvironment::~CCliEnvironment() = default;
+
+bool CCliEnvironment::Start()
+{
+    m_App->OpenLog();
+    m_App->LoadPreferences();
+    return m_App->LoadLanguageModule();
+}
