@@ -1,0 +1,21 @@
+// The desktop program: `quillarium [data file.ddb]`.
+#include "App/CommandLine.h"
+#include "Gui/QuillGuiApp.h"
+#include "Shared/Base/Paths.h"
+
+#include <QApplication>
+
+int main(int argc, char** argv)
+{
+    QApplication qtApp(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Quillarium Organizer"));
+    CQuillGuiApp app(ProgramFolder(), CommandLineText(argc, argv));
+    if (!app.Start())
+    {
+        app.Shutdown();
+        return 1;
+    }
+    const int result = QApplication::exec();
+    app.Shutdown();
+    return result;
+}
