@@ -354,8 +354,10 @@ bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
     std::vector<uint64_t> absorbed; // free blocks that join this one
     while (start + size + RecordHeaderSize <= m_FileLength)
     {
-        const uint8_t* next = window + size;
-        if (size + RecordHeaderSize > windowSize)
+        const uint8_t* next = raw;
+        if (size + RecordHeaderSize <= windowSize)
+            next = window + size;
+        else
         {
             size_t done = 0;
             if (!m_File->ReadAt(start + size, raw, sizeof raw, done))
@@ -368,7 +370,6 @@ bool CDataFile::FreeRecordSpace(uint64_t position, const CUInt128& id)
                     m_Path);
                 throw CDataFileError{CDataFileError::EndOfFileCause};
             }
-            next = raw;
         }
         const SRecordHeader following = SRecordHeader::Decode(next);
         if (following.state != StateDeleted || following.SizeOnDisk() > m_FileLength - start - size ||
