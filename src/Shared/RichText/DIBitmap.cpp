@@ -130,6 +130,11 @@ SDIBitmapHeader CDIBitmap::Header() const
     return SDIBitmapHeader::FromBytes(std::span<const uint8_t, 40>(m_Packed.data(), 40));
 }
 
+bool CDIBitmap::HasAllPixels() const
+{
+    return !m_Packed.empty() && Header().PackedSize() <= m_Packed.size();
+}
+
 bool CDIBitmap::CreateFromPlatformBitmap(const IPlatformBitmap& bitmap, uint32_t compression)
 {
     if (compression == SDIBitmapHeader::BitFieldsCompression)

@@ -69,6 +69,10 @@ public:
     bool SetPacked(std::vector<uint8_t> packed);
     // Header of a non-empty bitmap (a default header when empty).
     SDIBitmapHeader Header() const;
+    // True when the bytes hold all that the header describes. A load keeps a picture whose
+    // header is valid even when fewer bytes follow it (stored documents may hold such pictures),
+    // so code that reads the colour table or the rows asks this first.
+    bool HasAllPixels() const;
 
     // Builds a packed bitmap of the platform bitmap; compression 3 is not supported.
     bool CreateFromPlatformBitmap(const IPlatformBitmap& bitmap, uint32_t compression);

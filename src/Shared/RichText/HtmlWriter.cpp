@@ -1,6 +1,6 @@
 #include "Shared/RichText/HtmlWriter.h"
 
-#include "Shared/RichText/SegmentFormatCursor.h"
+#include "Shared/RichText/ResolvedSegments.h"
 #include "Shared/RichText/TextAppend.h"
 
 #include <algorithm>
@@ -28,36 +28,43 @@ void AppendColour(std::u16string& out, std::u16string_view property, RichTextCol
     out += u";";
 }
 
-void AppendSpanOpening(std::u16string& out, const SSegmentFormat& format)
+struct SSpanMarkup
 {
-    out += u"<span style=\"font-family:'";
-    out += format.font->FaceNameView();
+    std::u16string opening;
+    std::u16string closing;
+};
+
+void BuildSpan(const SFontDescription& font, const SResolvedSegment& format, SSpanMarkup& span)
+{
+    std::u16string& out = span.opening;
+    out = u"<span style=\"font-family:'";
+    out += font.FaceNameView();
     out += u"';font-size:";
-    AppendDecimal(out, format.font->PointSize());
+    AppendDecimal(out, font.PointSize());
     out += u"pt;";
     if (format.textColour != DefaultRichTextColour)
         AppendColour(out, u"color", format.textColour);
     if (format.backColour != DefaultRichTextColour)
         AppendColour(out, u"background", format.backColour);
     out += u"\">";
-    if (format.font->IsItalic())
+    // The closing tags come in the opening order, as readers of our exports expect them.
+    span.closing.clear();
+    if (font.IsItalic())
+    {
         out += u"<i>";
-    if (format.font->IsBold())
+        span.closing += u"</i>";
+    }
+    if (font.IsBold())
+    {
         out += u"<b>";
-    if (format.font->IsUnderlined())
+        span.closing += u"</b>";
+    }
+    if (font.IsUnderlined())
+    {
         out += u"<u>";
-}
-
-// The closing tags come in the opening order, as readers of our exports expect them.
-void AppendSpanClosing(std::u16string& out, const SSegmentFormat& format)
-{
-    if (format.font->IsItalic())
-        out += u"</i>";
-    if (format.font->IsBold())
-        out += u"</b>";
-    if (format.font->IsUnderlined())
-        out += u"</u>";
-    out += u"</span>";
+        span.closing += u"</u>";
+    }
+    span.closing += u"</span>";
 }
 
 bool IsWrittenAsItIs(char16_t ch)
@@ -65,85 +72,128 @@ bool IsWrittenAsItIs(char16_t ch)
     return ch >= u'0' && ch <= u'z';
 }
 
-// Runs of characters written as they are go out in one append.
+// The characters go through a small buffer: most of them are single units or short references,
+// and appending each to the output string on its own would cost more than writing it.
 void AppendText(std::u16string& out, std::u16string_view text)
 {
-    size_t at = 0;
-    while (at < text.size())
+    constexpr size_t BufferUnits = 512;
+    constexpr size_t LongestReference = 8; // "&#65535;"
+    char16_t buffer[BufferUnits];
+    size_t used = 0;
+    for (const char16_t ch : text)
     {
-        size_t runEnd = at;
-        while (runEnd < text.size() && IsWrittenAsItIs(text[runEnd]))
-            ++runEnd;
-        out.append(text.substr(at, runEnd - at));
-        if (runEnd == text.size())
-            break;
-        out += u"&#";
-        AppendDecimal(out, text[runEnd]);
-        out.push_back(u';');
-        at = runEnd + 1;
+        if (used > BufferUnits - LongestReference)
+        {
+            out.append(buffer, used);
+            used = 0;
+        }
+        if (IsWrittenAsItIs(ch))
+        {
+            buffer[used++] = ch;
+            continue;
+        }
+        buffer[used++] = u'&';
+        buffer[used++] = u'#';
+        char16_t digits[5];
+        size_t count = 0;
+        for (unsigned value = ch; count == 0 || value != 0; value /= 10)
+            digits[count++] = static_cast<char16_t>(u'0' + value % 10);
+        while (count > 0)
+            buffer[used++] = digits[--count];
+        buffer[used++] = u';';
     }
+    out.append(buffer, used);
 }
 
-void AppendLine(std::u16string& out, const CRtfTextLine& line, bool isLast,
-                const SFontDescription& defaultFont)
+class CHtmlWriter
 {
-    const int32_t alignment = line.Alignment();
-    if (alignment == CRtfTextLine::AlignRight)
-        out += u"<div style=\"text-align:right\">";
-    else if (alignment == CRtfTextLine::AlignCentre)
-        out += u"<div style=\"text-align:center\">";
-    CSegmentFormatCursor cursor(line, defaultFont);
-    const std::u16string& text = line.Text();
-    for (const SRtfTextSegment& segment : line.Segments(ESegmentList::AllChanges))
+public:
+    CHtmlWriter(const CRichTextDocument& document, const SFontDescription& defaultFont)
+        : m_Document(document), m_Fonts(defaultFont)
     {
-        const SSegmentFormat& format = cursor.At(segment.start);
-        if (segment.IsObjectSegment())
-            continue;
-        const size_t start = std::min(static_cast<size_t>(segment.start), text.size());
-        const size_t end = std::min(static_cast<size_t>(segment.end) + 1, text.size());
-        AppendSpanOpening(out, format);
-        AppendText(out, std::u16string_view(text).substr(start, end - start));
-        AppendSpanClosing(out, format);
     }
-    if (alignment == CRtfTextLine::AlignRight || alignment == CRtfTextLine::AlignCentre)
-        out += u"</div>";
-    else if (!isLast)
-        out += u"<BR>\r\n";
-}
+
+    std::u16string Write(std::u16string_view title)
+    {
+        ResolveSegmentFormats(m_Document, m_Fonts, m_Formats);
+        // Room for the usual growth (references for spaces, a span per format change) up front.
+        m_Out.reserve(3 * EstimatedTextSize(m_Document) + 1024);
+        WriteHead(title);
+        // The default font with the default colours, open around the whole body.
+        SSpanMarkup body;
+        BuildSpan(m_Fonts.Font(0), SResolvedSegment(), body);
+        m_Out += body.opening;
+        if (!m_Document.IsEmpty())
+        {
+            const size_t count = m_Document.LineCount();
+            size_t next = 0;
+            for (size_t i = 0; i < count; ++i)
+                WriteLine(m_Document.Line(i), i + 1 == count, next);
+        }
+        m_Out += u"\t\t";
+        m_Out += body.closing;
+        m_Out += u"\t</body>\t</html>";
+        return std::move(m_Out);
+    }
+
+private:
+    void WriteHead(std::u16string_view title)
+    {
+        m_Out += u"<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Transitional//EN\">\r\n";
+        m_Out += u"\t<!-- This document is generated by Quillarium Organizer - ";
+        m_Out += ProductWebAddress;
+        m_Out += u" -->\r\n";
+        m_Out += u"\t<!-- Keep all your notes organized for quick access and instant search with Quillarium "
+                 u"Organizer! -->\r\n";
+        m_Out += u"\t<html>\r\n\t<head>\r\n\t<meta http-equiv=\"content-type\" "
+                 u"content=\"text/html;charset=UTF-8\">\r\n";
+        if (!title.empty())
+        {
+            m_Out += u"\t\t<title>";
+            m_Out += title;
+            m_Out += u"</title>\r\n";
+        }
+        m_Out += u"\t</head>\r\n\t<body>\r\n";
+    }
+
+    void WriteLine(const CRtfTextLine& line, bool isLast, size_t& nextFormat)
+    {
+        const int32_t alignment = line.Alignment();
+        if (alignment == CRtfTextLine::AlignRight)
+            m_Out += u"<div style=\"text-align:right\">";
+        else if (alignment == CRtfTextLine::AlignCentre)
+            m_Out += u"<div style=\"text-align:center\">";
+        const std::u16string& text = line.Text();
+        for (const SRtfTextSegment& segment : line.Segments(ESegmentList::AllChanges))
+        {
+            const SResolvedSegment& format = m_Formats[nextFormat++];
+            if (segment.IsObjectSegment())
+                continue;
+            const size_t start = std::min(static_cast<size_t>(segment.start), text.size());
+            const size_t end = std::min(static_cast<size_t>(segment.end) + 1, text.size());
+            const SSpanMarkup& span =
+                m_Spans.Get(format, [this](const SResolvedSegment& f, SSpanMarkup& markup)
+                            { BuildSpan(m_Fonts.Font(static_cast<size_t>(f.font)), f, markup); });
+            m_Out += span.opening;
+            AppendText(m_Out, std::u16string_view(text).substr(start, end - start));
+            m_Out += span.closing;
+        }
+        if (alignment == CRtfTextLine::AlignRight || alignment == CRtfTextLine::AlignCentre)
+            m_Out += u"</div>";
+        else if (!isLast)
+            m_Out += u"<BR>\r\n";
+    }
+
+    const CRichTextDocument& m_Document;
+    CFontNumbering m_Fonts;
+    std::vector<SResolvedSegment> m_Formats;
+    CSegmentMarkupCache<SSpanMarkup> m_Spans;
+    std::u16string m_Out;
+};
 } // namespace
 
 std::u16string ToHtml(const CRichTextDocument& document, std::u16string_view title,
                       const SFontDescription& defaultFont)
 {
-    std::u16string out;
-    // Room for the usual growth (references for spaces, a span per format change) up front.
-    out.reserve(3 * EstimatedTextSize(document) + 1024);
-    out += u"<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Transitional//EN\">\r\n";
-    out += u"\t<!-- This document is generated by Quillarium Organizer - ";
-    out += ProductWebAddress;
-    out += u" -->\r\n";
-    out += u"\t<!-- Keep all your notes organized for quick access and instant search with Quillarium "
-           u"Organizer! -->\r\n";
-    out += u"\t<html>\r\n\t<head>\r\n\t<meta http-equiv=\"content-type\" "
-           u"content=\"text/html;charset=UTF-8\">\r\n";
-    if (!title.empty())
-    {
-        out += u"\t\t<title>";
-        out += title;
-        out += u"</title>\r\n";
-    }
-    out += u"\t</head>\r\n\t<body>\r\n";
-    SSegmentFormat defaultFormat;
-    defaultFormat.font = &defaultFont;
-    AppendSpanOpening(out, defaultFormat);
-    if (!document.IsEmpty())
-    {
-        const size_t count = document.LineCount();
-        for (size_t i = 0; i < count; ++i)
-            AppendLine(out, document.Line(i), i + 1 == count, defaultFont);
-    }
-    out += u"\t\t";
-    AppendSpanClosing(out, defaultFormat);
-    out += u"\t</body>\t</html>";
-    return out;
+    return CHtmlWriter(document, defaultFont).Write(title);
 }

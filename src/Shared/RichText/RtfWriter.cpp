@@ -1,13 +1,12 @@
 #include "Shared/RichText/RtfWriter.h"
 
 #include "Shared/Base/Format.h"
+#include "Shared/RichText/ResolvedSegments.h"
 #include "Shared/RichText/RichTextPlatform.h"
-#include "Shared/RichText/SegmentFormatCursor.h"
 #include "Shared/RichText/TextAppend.h"
 
 #include <algorithm>
-#include <map>
-#include <unordered_map>
+#include <unordered_set>
 
 namespace
 {
@@ -48,11 +47,55 @@ const char16_t* AlignmentKeyword(int32_t alignment)
     return u"qc";
 }
 
+// The colour table: every distinct colour once, sorted by value, a colour's RTF number being its
+// position. A document uses a handful of colours, kept sorted as they come; should one use
+// thousands, the rest are gathered unsorted and sorted once at the end.
+class CRtfColourTable
+{
+public:
+    void Add(RichTextColour colour)
+    {
+        if (m_HasLast && colour == m_Last)
+            return;
+        m_Last = colour;
+        m_HasLast = true;
+        const auto at = std::lower_bound(m_Sorted.begin(), m_Sorted.end(), colour);
+        if (at != m_Sorted.end() && *at == colour)
+            return;
+        if (m_Sorted.size() < SortedAsTheyCome)
+            m_Sorted.insert(at, colour);
+        else
+            m_More.insert(colour);
+    }
+
+    void Finish()
+    {
+        m_Sorted.insert(m_Sorted.end(), m_More.begin(), m_More.end());
+        m_More.clear();
+        std::sort(m_Sorted.begin(), m_Sorted.end());
+    }
+
+    const std::vector<RichTextColour>& Colours() const { return m_Sorted; }
+    int Index(RichTextColour colour) const
+    {
+        return static_cast<int>(std::lower_bound(m_Sorted.begin(), m_Sorted.end(), colour) -
+                                m_Sorted.begin());
+    }
+
+private:
+    static constexpr size_t SortedAsTheyCome = 64;
+
+    std::vector<RichTextColour> m_Sorted;
+    std::unordered_set<RichTextColour> m_More;
+    RichTextColour m_Last = 0;
+    bool m_HasLast = false;
+};
+
 class CRtfWriter
 {
 public:
     CRtfWriter(const CRichTextDocument& document, const SFontDescription& defaultFont)
-        : m_Document(document), m_DefaultFont(defaultFont), m_Platform(RichTextPlatform())
+        : m_Document(document), m_Fonts(defaultFont), m_Platform(RichTextPlatform())
     {
     }
 
@@ -67,76 +110,35 @@ public:
             return std::move(m_Out);
         }
         m_Out += u"\\kerning0\\cf0\\ftnbj\\fet0\\deftab720\\viewkind0\\sectd\\sbknone\\pgncont\\ltrsect\r\n";
+        size_t next = 0;
         for (const CRtfTextLine& line : m_Document.Lines())
-            WriteLine(line);
+            WriteLine(line, next);
         m_Out += u"}";
         return std::move(m_Out);
     }
 
 private:
-    // Fonts are listed in order of first use, the default font first; colours sorted by value.
+    // Fonts are listed in order of first use, the default font first; the two default colours
+    // (both the sentinel) start the colour table.
     void CollectTables()
     {
-        FontIndex(m_DefaultFont);
-        AddColour(DefaultRichTextColour);
-        for (const CRtfTextLine& line : m_Document.Lines())
+        ResolveSegmentFormats(m_Document, m_Fonts, m_Formats);
+        m_Colours.Add(DefaultRichTextColour);
+        for (const SResolvedSegment& format : m_Formats)
         {
-            CSegmentFormatCursor cursor(line, m_DefaultFont);
-            for (const SRtfTextSegment& segment : line.Segments(ESegmentList::AllChanges))
-            {
-                const SSegmentFormat& format = cursor.At(segment.start);
-                FontIndex(*format.font);
-                AddColour(format.textColour);
-                AddColour(format.backColour);
-            }
+            m_Colours.Add(format.textColour);
+            m_Colours.Add(format.backColour);
         }
-    }
-
-    // Keeps the table sorted and free of repeats as it grows; documents use few colours.
-    void AddColour(RichTextColour colour)
-    {
-        const auto at = std::lower_bound(m_Colours.begin(), m_Colours.end(), colour);
-        if (at == m_Colours.end() || *at != colour)
-            m_Colours.insert(at, colour);
-    }
-
-    // Fonts are told apart by their bytes; the address of a block's font is remembered so that
-    // each block's font is compared once.
-    int FontIndex(const SFontDescription& font)
-    {
-        if (&font == m_LastFont)
-            return m_LastFontIndex;
-        const auto known = m_FontIndexByAddress.find(&font);
-        int index = 0;
-        if (known != m_FontIndexByAddress.end())
-            index = known->second;
-        else
-        {
-            const auto [at, added] = m_FontIndexes.try_emplace(font, static_cast<int>(m_Fonts.size()));
-            if (added)
-                m_Fonts.push_back(&at->first);
-            index = at->second;
-            m_FontIndexByAddress.emplace(&font, index);
-        }
-        m_LastFont = &font;
-        m_LastFontIndex = index;
-        return index;
-    }
-
-    int ColourIndex(RichTextColour colour) const
-    {
-        return static_cast<int>(std::lower_bound(m_Colours.begin(), m_Colours.end(), colour) -
-                                m_Colours.begin());
+        m_Colours.Finish();
     }
 
     void WriteHeader()
     {
-        m_Out += FormatText(u"{\\rtf1\\ansi\\ansicpg1252\\deff%d\r\n", FontIndex(m_DefaultFont));
-        m_Out += u"{\\fonttbl\r\n";
-        for (size_t i = 0; i < m_Fonts.size(); ++i)
-            WriteFontEntry(static_cast<int>(i), *m_Fonts[i]);
+        m_Out += u"{\\rtf1\\ansi\\ansicpg1252\\deff0\r\n{\\fonttbl\r\n";
+        for (size_t i = 0; i < m_Fonts.Count(); ++i)
+            WriteFontEntry(static_cast<int>(i), m_Fonts.Font(i));
         m_Out += u"}\r\n{\\colortbl\r\n";
-        for (const RichTextColour colour : m_Colours)
+        for (const RichTextColour colour : m_Colours.Colours())
             m_Out += FormatText(u"\\red%d\\green%d\\blue%d;\r\n", colour & 0xFF, (colour >> 8) & 0xFF,
                                 (colour >> 16) & 0xFF);
         m_Out += u"}\r\n";
@@ -151,16 +153,15 @@ private:
                             static_cast<int>(font.charSet), pitch, trueType, font.FaceName());
     }
 
-    void WriteLine(const CRtfTextLine& line)
+    void WriteLine(const CRtfTextLine& line, size_t& nextFormat)
     {
         m_Out += u"\\pard\\plain\\ltrpar\\";
         m_Out += AlignmentKeyword(line.Alignment());
         m_Out += u"\\itap0\\deflangfe";
         AppendDecimal(m_Out, Language);
-        CSegmentFormatCursor cursor(line, m_DefaultFont);
         for (const SRtfTextSegment& segment : line.Segments(ESegmentList::AllChanges))
         {
-            const SSegmentFormat& format = cursor.At(segment.start);
+            const SResolvedSegment& format = m_Formats[nextFormat++];
             if (!segment.IsObjectSegment())
                 WriteSegment(line.Text(), segment, format);
         }
@@ -168,29 +169,10 @@ private:
     }
 
     void WriteSegment(const std::u16string& text, const SRtfTextSegment& segment,
-                      const SSegmentFormat& format)
+                      const SResolvedSegment& format)
     {
-        m_Out += u"{\\f";
-        AppendDecimal(m_Out, FontIndex(*format.font));
-        m_Out += u"\\fs";
-        AppendDecimal(m_Out, 2 * format.font->PointSize());
-        if (format.font->IsBold())
-            m_Out += u"\\b";
-        if (format.font->IsItalic())
-            m_Out += u"\\i";
-        if (format.font->IsUnderlined())
-            m_Out += u"\\ul";
-        if (format.textColour != DefaultRichTextColour)
-        {
-            m_Out += u"\\cf";
-            AppendDecimal(m_Out, ColourIndex(format.textColour));
-        }
-        if (format.backColour != DefaultRichTextColour)
-        {
-            m_Out += u"\\highlight";
-            AppendDecimal(m_Out, ColourIndex(format.backColour));
-        }
-        m_Out += u"\\cpg1252\\lang1033\\ltrch ";
+        m_Out += m_Openings.Get(format, [this](const SResolvedSegment& f, std::u16string& markup)
+                                { BuildOpening(f, markup); });
         m_CodePage = CodePage;
         const size_t end = std::min(static_cast<size_t>(segment.end) + 1, text.size());
         size_t at = static_cast<size_t>(segment.start);
@@ -207,6 +189,33 @@ private:
         }
         m_Out += u"}";
         m_CodePage = CodePage;
+    }
+
+    // "{\f<font>\fs<half points>" and the style, colour and language words of one format.
+    void BuildOpening(const SResolvedSegment& format, std::u16string& markup) const
+    {
+        const SFontDescription& font = m_Fonts.Font(static_cast<size_t>(format.font));
+        markup = u"{\\f";
+        AppendDecimal(markup, format.font);
+        markup += u"\\fs";
+        AppendDecimal(markup, 2 * font.PointSize());
+        if (font.IsBold())
+            markup += u"\\b";
+        if (font.IsItalic())
+            markup += u"\\i";
+        if (font.IsUnderlined())
+            markup += u"\\ul";
+        if (format.textColour != DefaultRichTextColour)
+        {
+            markup += u"\\cf";
+            AppendDecimal(markup, m_Colours.Index(format.textColour));
+        }
+        if (format.backColour != DefaultRichTextColour)
+        {
+            markup += u"\\highlight";
+            AppendDecimal(markup, m_Colours.Index(format.backColour));
+        }
+        markup += u"\\cpg1252\\lang1033\\ltrch ";
     }
 
     void WriteCharacter(char16_t ch)
@@ -239,14 +248,11 @@ private:
     }
 
     const CRichTextDocument& m_Document;
-    const SFontDescription& m_DefaultFont;
+    CFontNumbering m_Fonts;
     const IRichTextPlatform& m_Platform;
-    std::map<SFontDescription, int> m_FontIndexes;
-    std::unordered_map<const SFontDescription*, int> m_FontIndexByAddress;
-    std::vector<const SFontDescription*> m_Fonts;
-    const SFontDescription* m_LastFont = nullptr;
-    int m_LastFontIndex = 0;
-    std::vector<RichTextColour> m_Colours;
+    std::vector<SResolvedSegment> m_Formats;
+    CRtfColourTable m_Colours;
+    CSegmentMarkupCache<std::u16string> m_Openings;
     int m_CodePage = CodePage;
     std::u16string m_Out;
 };

@@ -393,3 +393,27 @@ TEST(RichTextStorage, EveryTruncationFailsWithExactlyOneMessage)
         ASSERT_EQ(log.TakeMessages().size(), 1u) << size;
     }
 }
+
+TEST(RichTextStorage, StoredSizeOf41IsThePackedLayoutAndShortPixelsAreReported)
+{
+    // 41 bytes: a valid header for a 1x1 1-bit picture (which needs 52) and one byte more.
+    Bytes stored;
+    AppendU32(stored, 41);
+    Bytes packed;
+    AppendU32(packed, 40);
+    AppendU32(packed, 1);
+    AppendU32(packed, 1);
+    Append(packed, {1, 0, 1, 0});
+    packed.resize(41, 0);
+    stored.insert(stored.end(), packed.begin(), packed.end());
+    CDIBitmap bitmap;
+    CArchiveReader in(stored);
+    ASSERT_EQ(bitmap.Serialize(in), CDIBitmap::ELoadResult::Loaded);
+    EXPECT_EQ(bitmap.Packed(), packed);
+    EXPECT_FALSE(bitmap.HasAllPixels());
+
+    packed.resize(52, 0);
+    ASSERT_TRUE(bitmap.SetPacked(packed));
+    EXPECT_TRUE(bitmap.HasAllPixels());
+    EXPECT_FALSE(CDIBitmap().HasAllPixels());
+}

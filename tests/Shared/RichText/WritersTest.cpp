@@ -7,7 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <map>
+#include <regex>
 
 namespace
 {
@@ -257,4 +260,190 @@ TEST(RichTextWriters, RandomDocumentsGiveBalancedRtfAndParsableHtml)
         ASSERT_TRUE(RtfBracesBalance(ToRtf(document, DefaultFont())));
         ASSERT_TRUE(HtmlTagsParse(ToHtml(document, u"t", DefaultFont())));
     }
+}
+
+TEST(RichTextWriters, EmptyLinesObjectOnlyLinesAndStoredAlignments)
+{
+    CRichTextDocument document;
+    document.AppendLine(CRtfTextLine(u"a"));
+    document.AppendLine(CRtfTextLine()); // an empty paragraph still has its one segment
+    CRtfTextLine picture(u"\x14");
+    picture.AddObject(CRtfObjectInfo(CRtfObjectInfo::AttachmentType, 0));
+    document.AppendLine(picture);
+    // Alignments come back from storage unclamped; the writers treat 7 as neither 0 nor 2.
+    CArchiveWriter out;
+    CRtfTextLine odd(u"b");
+    odd.Serialize(out);
+    std::vector<uint8_t> bytes = out.Take();
+    bytes[bytes.size() - 12] = 7; // the u32 alignment after the text
+    CArchiveReader in(bytes);
+    ASSERT_EQ(odd.Serialize(in, 100), 0);
+    ASSERT_EQ(odd.Alignment(), 7);
+    document.AppendLine(odd);
+    document.AppendLine(CRtfTextLine(u"c"));
+
+    const std::u16string paragraph = u"\\pard\\plain\\ltrpar\\ql\\itap0\\deflangfe1033";
+    const std::u16string group = u"{\\f0\\fs24\\cpg1252\\lang1033\\ltrch ";
+    const std::u16string rtf = ToRtf(document, DefaultFont());
+    EXPECT_TRUE(rtf.ends_with(paragraph + group + u"a}{\\par}" + paragraph + group + u"}{\\par}" + paragraph +
+                              u"{\\par}\\pard\\plain\\ltrpar\\qc\\itap0\\deflangfe1033" + group +
+                              u"b}{\\par}" + paragraph + group + u"c}{\\par}}"))
+        << Utf16ToUtf8(rtf);
+
+    const std::u16string html = ToHtml(document, u"", DefaultFont());
+    EXPECT_TRUE(html.ends_with(ArialSpan + ArialSpan + u"a</span><BR>\r\n" + ArialSpan + u"</span><BR>\r\n" +
+                               u"<BR>\r\n" + ArialSpan + u"b</span><BR>\r\n" + ArialSpan +
+                               u"c</span>\t\t</span>" + u"\t</body>\t</html>"))
+        << Utf16ToUtf8(html);
+}
+
+namespace
+{
+// The format the writers must give each text segment, worked out from the line's blocks one
+// character at a time.
+struct SExpectedRun
+{
+    SFontDescription font;
+    RichTextColour text;
+    RichTextColour back;
+};
+
+std::vector<SExpectedRun> ExpectedRuns(const CRichTextDocument& document,
+                                       std::vector<SFontDescription>& fonts,
+                                       std::vector<RichTextColour>& colours)
+{
+    fonts = {DefaultFont()};
+    colours = {DefaultRichTextColour};
+    std::vector<SExpectedRun> runs;
+    for (const CRtfTextLine& line : document.Lines())
+    {
+        for (const SRtfTextSegment& segment : line.Segments(CRtfTextLine::ESegmentList::AllChanges))
+        {
+            const SExpectedRun run{line.EffectiveFont(segment.start).value_or(DefaultFont()),
+                                   line.EffectiveTextColour(segment.start).value_or(DefaultRichTextColour),
+                                   line.EffectiveBackColour(segment.start).value_or(DefaultRichTextColour)};
+            if (std::find(fonts.begin(), fonts.end(), run.font) == fonts.end())
+                fonts.push_back(run.font);
+            colours.push_back(run.text);
+            colours.push_back(run.back);
+            if (!segment.IsObjectSegment())
+                runs.push_back(run);
+        }
+    }
+    std::sort(colours.begin(), colours.end());
+    colours.erase(std::unique(colours.begin(), colours.end()), colours.end());
+    return runs;
+}
+
+std::string Utf8Of(const std::u16string& text)
+{
+    return Utf16ToUtf8(text);
+}
+} // namespace
+
+// Random documents with many fonts and colours (more than the writers keep sorted as they come,
+// and blocks that replace each other at one start): every table entry and every run's markup is
+// checked against the blocks.
+TEST(RichTextWriters, TablesAndRunsFollowTheEffectiveFormats)
+{
+    std::mt19937 random(21);
+    for (int round = 0; round < 60; ++round)
+    {
+        SRandomDocumentOptions options;
+        options.maxLines = 40;
+        options.withAngleBracket = false;
+        const CRichTextDocument document = MakeRandomDocument(random, options);
+        std::vector<SFontDescription> fonts;
+        std::vector<RichTextColour> colours;
+        const std::vector<SExpectedRun> runs = ExpectedRuns(document, fonts, colours);
+
+        const std::string rtf = Utf8Of(ToRtf(document, DefaultFont()));
+        const std::regex fontEntry(R"(\{\\f(\d+)\\f[a-z]+\\fcharset(\d+)\\fprq\d\\f[a-z]+ ([^;]*);\})");
+        auto entry = std::sregex_iterator(rtf.begin(), rtf.end(), fontEntry);
+        for (size_t i = 0; i < fonts.size(); ++i, ++entry)
+        {
+            ASSERT_NE(entry, std::sregex_iterator());
+            EXPECT_EQ(std::stoi((*entry)[1]), static_cast<int>(i));
+            EXPECT_EQ(std::stoi((*entry)[2]), fonts[i].charSet);
+            EXPECT_EQ((*entry)[3].str(), Utf8Of(fonts[i].FaceName()));
+        }
+        const std::string table = rtf.substr(rtf.find("{\\colortbl\r\n") + 12);
+        std::string expectedTable;
+        for (const RichTextColour colour : colours)
+            expectedTable += "\\red" + std::to_string(colour & 0xFF) + "\\green" +
+                             std::to_string((colour >> 8) & 0xFF) + "\\blue" +
+                             std::to_string((colour >> 16) & 0xFF) + ";\r\n";
+        EXPECT_TRUE(table.starts_with(expectedTable + "}\r\n"));
+
+        const std::regex opening(
+            R"(\{\\f(\d+)\\fs(\d+)(\\b)?(\\i)?(\\ul)?(?:\\cf(\d+))?(?:\\highlight(\d+))?\\cpg1252\\lang1033\\ltrch )");
+        auto group = std::sregex_iterator(rtf.begin() + static_cast<std::ptrdiff_t>(rtf.find("\\ltrsect")),
+                                          rtf.end(), opening);
+        const auto colourIndex = [&](RichTextColour colour) {
+            return std::to_string(std::lower_bound(colours.begin(), colours.end(), colour) - colours.begin());
+        };
+        for (const SExpectedRun& run : runs)
+        {
+            ASSERT_NE(group, std::sregex_iterator());
+            const std::smatch m = *group;
+            ++group;
+            const size_t font =
+                static_cast<size_t>(std::find(fonts.begin(), fonts.end(), run.font) - fonts.begin());
+            EXPECT_EQ(m[1].str(), std::to_string(font));
+            EXPECT_EQ(m[2].str(), std::to_string(2 * run.font.PointSize()));
+            EXPECT_EQ(m[3].matched, run.font.IsBold());
+            EXPECT_EQ(m[4].matched, run.font.IsItalic());
+            EXPECT_EQ(m[5].matched, run.font.IsUnderlined());
+            EXPECT_EQ(m[6].str(), run.text == DefaultRichTextColour ? "" : colourIndex(run.text));
+            EXPECT_EQ(m[7].str(), run.back == DefaultRichTextColour ? "" : colourIndex(run.back));
+        }
+        EXPECT_EQ(group, std::sregex_iterator());
+
+        const std::string html = Utf8Of(ToHtml(document, u"", DefaultFont()));
+        const std::regex span(
+            R"(<span style="font-family:'([^']*)';font-size:(\d+)pt;(?:color:#([0-9A-F]+);)?(?:background:#([0-9A-F]+);)?">(<i>)?(<b>)?(<u>)?)");
+        auto spans = std::sregex_iterator(html.begin(), html.end(), span);
+        ++spans; // the default span around the body
+        const auto hex = [](RichTextColour colour)
+        {
+            char text[16];
+            std::snprintf(text, sizeof text, "%X%X%X", colour & 0xFF, (colour >> 8) & 0xFF,
+                          (colour >> 16) & 0xFF);
+            return std::string(text);
+        };
+        for (const SExpectedRun& run : runs)
+        {
+            ASSERT_NE(spans, std::sregex_iterator());
+            const std::smatch m = *spans;
+            ++spans;
+            EXPECT_EQ(m[1].str(), Utf8Of(run.font.FaceName()));
+            EXPECT_EQ(m[2].str(), std::to_string(run.font.PointSize()));
+            EXPECT_EQ(m[3].str(), run.text == DefaultRichTextColour ? "" : hex(run.text));
+            EXPECT_EQ(m[4].str(), run.back == DefaultRichTextColour ? "" : hex(run.back));
+            EXPECT_EQ(m[5].matched, run.font.IsItalic());
+            EXPECT_EQ(m[6].matched, run.font.IsBold());
+            EXPECT_EQ(m[7].matched, run.font.IsUnderlined());
+        }
+        EXPECT_EQ(spans, std::sregex_iterator());
+    }
+}
+
+TEST(RichTextWriters, FontReplacedAtTheSameStartIsNotListed)
+{
+    CRichTextDocument document;
+    CRtfTextLine line(u"xy");
+    CRtfTextBlockInfo first(1);
+    first.SetFont(SFontDescription::Make(u"Never", 9));
+    CRtfTextBlockInfo second(1);
+    second.SetFont(SFontDescription::Make(u"Used", 9));
+    CRtfTextBlockInfo beyond(5);
+    beyond.SetFont(SFontDescription::Make(u"Beyond", 9));
+    beyond.SetTextColour(0x123456);
+    line.SetBlocks({first, second, beyond});
+    document.AppendLine(line);
+    const std::u16string rtf = ToRtf(document, DefaultFont());
+    EXPECT_EQ(rtf.find(u"Never"), std::u16string::npos);
+    EXPECT_EQ(rtf.find(u"Beyond"), std::u16string::npos);
+    EXPECT_EQ(rtf.find(u"\\red86"), std::u16string::npos);
+    EXPECT_NE(rtf.find(u"{\\f1\\fnil\\fcharset0\\fprq0\\ftnil Used;}"), std::u16string::npos);
 }
