@@ -15,7 +15,8 @@ EMsgResult CCliEnvironment::CStreamMessageBox::Show(const std::u16string& text, 
 }
 
 CCliEnvironment::CCliEnvironment(std::u16string applicationFolder, std::ostream& err)
-    : m_MessageBox(err), m_DataCenters(DiskFileSystem(), SystemClock(), DiskFileTimes(), &m_MessageBox)
+    : m_MessageBox(err), m_Fonts(DiskFileSystem(), CFontFolderQuery::DefaultFolders()),
+      m_DataCenters(DiskFileSystem(), SystemClock(), DiskFileTimes(), &m_MessageBox)
 {
     const SAppServices services{std::move(applicationFolder),
                                 std::u16string(),

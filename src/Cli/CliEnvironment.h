@@ -7,7 +7,7 @@
 #include "App/DataCenterStartup.h"
 #include "App/QuillariumApp.h"
 #include "App/RunningInstance.h"
-#include "Prefs/FontQuery.h"
+#include "Prefs/FontFolders.h"
 #include "Shared/Base/MessageBox.h"
 
 #include <iosfwd>
@@ -37,13 +37,7 @@ private:
     private:
         std::ostream& m_Err;
     };
-    // The tool never lays out text, opens a data file at start-up or asks for a path.
-    class CNoFonts : public IFontQuery
-    {
-    public:
-        bool HasFace(std::u16string_view) const override { return false; }
-        std::u16string SystemSansFace() const override { return {}; }
-    };
+    // The tool never opens a data file at start-up or asks for a path.
     class CNoRunningInstances : public IRunningInstanceQuery
     {
     public:
@@ -59,7 +53,7 @@ private:
     };
 
     CStreamMessageBox m_MessageBox;
-    CNoFonts m_Fonts;
+    CFontFolderQuery m_Fonts;
     CNoRunningInstances m_RunningInstances;
     CNoNewFileDialog m_NewFileDialog;
     CXdgDocumentsFolder m_Documents;

@@ -2,6 +2,7 @@
 // writing them back and loads the language module the preferences name.
 #include "Cli/CliEnvironment.h"
 #include "Cli/CliCommand.h"
+#include "Prefs/FontFolders.h"
 #include "Prefs/Preferences.h"
 #include "Shared/Base/File.h"
 #include "Shared/Base/OleDate.h"
@@ -60,6 +61,11 @@ TEST(CliEnvironment, LinesGoToTheProgramLogAndPreferencesStayUnwritten)
     EXPECT_NE(log.find(Utf16Le("Error: Cannot load file ")), std::string::npos);
     EXPECT_NE(log.find(Utf16Le("missing.ddb - file does not exists.")), std::string::npos);
     EXPECT_FALSE(FileExists(app.Path() + "/Quillarium.ini"));
+    // Without a stored font the default face is chosen from the system's font folders, so the
+    // "no fonts" line appears only on a system that has none.
+    const bool systemHasFonts =
+        !CFontFolderQuery(DiskFileSystem(), CFontFolderQuery::DefaultFolders()).SystemSansFace().empty();
+    EXPECT_EQ(log.find(Utf16Le("Cannot find any fonts")) == std::string::npos, systemHasFonts);
 }
 
 TEST(CliEnvironment, AMissingLanguageModuleStopsTheTool)

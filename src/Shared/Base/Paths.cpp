@@ -27,7 +27,7 @@ std::u16string XdgFolder(const char* variable, std::u16string_view fallbackUnder
 }
 } // namespace
 
-std::u16string ProgramFolder()
+std::u16string ProgramPath()
 {
     std::vector<char> buffer(4096);
     for (;;)
@@ -36,9 +36,14 @@ std::u16string ProgramFolder()
         if (length < 0)
             return {};
         if (static_cast<size_t>(length) < buffer.size())
-            return FolderOf(Utf8ToUtf16(std::string_view(buffer.data(), static_cast<size_t>(length))));
+            return Utf8ToUtf16(std::string_view(buffer.data(), static_cast<size_t>(length)));
         buffer.resize(buffer.size() * 2);
     }
+}
+
+std::u16string ProgramFolder()
+{
+    return FolderOf(ProgramPath());
 }
 
 std::u16string HomeFolder()
@@ -59,4 +64,9 @@ std::u16string XdgStateHome()
 std::u16string XdgConfigHome()
 {
     return XdgFolder("XDG_CONFIG_HOME", u".config/");
+}
+
+std::u16string XdgDataHome()
+{
+    return XdgFolder("XDG_DATA_HOME", u".local/share/");
 }

@@ -43,6 +43,7 @@ TEST(Paths, ProgramFolderHoldsThisTestProgram)
     EXPECT_EQ(u'/', folder.front());
     EXPECT_EQ(u'/', folder.back());
     EXPECT_TRUE(DiskFileSystem().Exists(folder + u"test_Shared_Base"));
+    EXPECT_EQ(ProgramPath(), folder + u"test_Shared_Base");
 }
 
 TEST(Paths, XdgFoldersUseAbsoluteVariablesOrFallBackUnderHome)
@@ -51,13 +52,17 @@ TEST(Paths, XdgFoldersUseAbsoluteVariablesOrFallBackUnderHome)
     {
         CEnvOverride state("XDG_STATE_HOME", "/var/state");
         CEnvOverride config("XDG_CONFIG_HOME", "/etc/cfg/");
+        CEnvOverride data("XDG_DATA_HOME", "/srv/data");
         EXPECT_EQ(u"/var/state/", XdgStateHome());
         EXPECT_EQ(u"/etc/cfg/", XdgConfigHome());
+        EXPECT_EQ(u"/srv/data/", XdgDataHome());
     }
     {
         CEnvOverride state("XDG_STATE_HOME", "relative/state");
         CEnvOverride config("XDG_CONFIG_HOME", nullptr);
+        CEnvOverride data("XDG_DATA_HOME", "share");
         EXPECT_EQ(u"/home/tester/", HomeFolder());
+        EXPECT_EQ(u"/home/tester/.local/share/", XdgDataHome());
         EXPECT_EQ(u"/home/tester/.local/state/", XdgStateHome());
         EXPECT_EQ(u"/home/tester/.config/", XdgConfigHome());
     }
