@@ -4,6 +4,7 @@
 #include "App/CommandLine.h"
 #include "App/DataFileChooser.h"
 #include "App/EnglishStrings.h"
+#include "Prefs/OsAutoStart.h"
 #include "Prefs/Preferences.h"
 #include "Shared/Base/File.h"
 #include "Shared/Base/Format.h"
@@ -62,10 +63,10 @@ bool CQuillariumApp::LoadLanguageModule()
         m_Language->LoadBuiltIn(std::u16string(kDefaultLanguageModuleName), EnglishStrings());
     else if (!m_Language->LoadModule(modulePath, AppCompatibility(), EnglishStrings()))
     {
-        const std::u16string text =
-            FormatText(u"Error. Cannot load default language module %s. Unable to proceed.", modulePath);
-        LogMessage(u"%s", text);
-        m_Services.messageBox.Show(text, EMsgIcon::Error);
+        // The module's loader has logged why; the message itself is only shown.
+        m_Services.messageBox.Show(
+            FormatText(u"Error. Cannot load default language module %s. Unable to proceed.", modulePath),
+            EMsgIcon::Error);
         return false;
     }
     m_Connector.SetLanguageModule(m_Language.get());
@@ -116,6 +117,23 @@ void CQuillariumApp::ExitInstance()
     m_Connector.SetLanguageModule(nullptr);
     m_Language.reset();
     if (m_Preferences && m_SavePreferences)
+    {
         m_Preferences->Save(m_Locations.PreferencesFilePath());
+        ApplyOsAutoStart();
+    }
     m_Preferences.reset();
+}
+
+void CQuillariumApp::ManageOsAutoStart(std::u16string programPath, std::u16string autostartFolder)
+{
+    m_ProgramPath = std::move(programPath);
+    m_AutostartFolder = std::move(autostartFolder);
+}
+
+bool CQuillariumApp::ApplyOsAutoStart()
+{
+    if (!m_Preferences || m_ProgramPath.empty())
+        return true;
+    COsAutoStart autoStart(m_Services.fileSystem, m_AutostartFolder);
+    return autoStart.Apply(m_Preferences->Startup().runWithOsStart, m_ProgramPath);
 }

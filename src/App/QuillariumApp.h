@@ -59,6 +59,13 @@ public:
     // For a shell that only reads the preferences (the command-line tool): they are not written
     // back at exit, so changes a running copy of the program saves meanwhile are kept.
     void KeepPreferencesFileUnchanged() { m_SavePreferences = false; }
+    // For the desktop program: keeps the autostart entry in `autostartFolder` in step with the
+    // preference "StartupRunWithOSStart", starting `programPath`. Applied when the preferences
+    // are written at shutdown; a shell that never calls this leaves the entry alone.
+    void ManageOsAutoStart(std::u16string programPath, std::u16string autostartFolder);
+    // Writes or removes the entry after the preference now (a preferences dialog calls it when
+    // the user changes the setting); true when it is in step or not managed by this run.
+    bool ApplyOsAutoStart();
 
     CAppLocations& Locations() { return m_Locations; }
     CPreferences* Preferences() const { return m_Preferences.get(); }
@@ -83,4 +90,6 @@ private:
     std::u16string m_DataFilePath;
     bool m_AutoStartup = false;
     bool m_SavePreferences = true;
+    std::u16string m_ProgramPath;
+    std::u16string m_AutostartFolder;
 };

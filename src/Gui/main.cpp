@@ -1,6 +1,7 @@
 // The desktop program: `quillarium [data file.ddb]`.
 #include "App/CommandLine.h"
 #include "Gui/QuillGuiApp.h"
+#include "Prefs/OsAutoStart.h"
 #include "Shared/Base/Paths.h"
 
 #include <QApplication>
@@ -10,6 +11,7 @@ int main(int argc, char** argv)
     QApplication qtApp(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillarium Organizer"));
     CQuillGuiApp app(ProgramFolder(), CommandLineText(argc, argv));
+    app.ManageOsAutoStart(ProgramPath(), COsAutoStart::DefaultFolder());
     if (!app.Start())
     {
         app.Shutdown();

@@ -214,6 +214,40 @@ TEST_F(StartupSequence, LanguageModuleFollowsTheUsersLanguageUntilOneIsChosen)
         u"Error. Cannot load default language module /opt/quill/Languages/Missing.lng. Unable to proceed.");
     EXPECT_EQ(m_Box.shown[0].icon, EMsgIcon::Error);
     EXPECT_TRUE(m_Centers.events.empty());
+    app.reset();
+    // The loader logs why; the message box text itself is not logged.
+    const std::u16string log = LogText(kAppFolder + u"Quillarium.log");
+    Find(log, u"Error: Cannot read language module /opt/quill/Languages/Missing.lng");
+    EXPECT_EQ(log.find(u"Cannot load default language module"), std::u16string::npos);
+}
+
+TEST_F(StartupSequence, ShutdownKeepsTheAutostartEntryInStepWithThePreference)
+{
+    const std::u16string ini = kAppFolder + u"Quillarium.ini";
+    const std::u16string folder = u"/home/u/.config/autostart/";
+    const std::u16string entry = folder + u"quillarium.desktop";
+    auto runOnce = [&](bool runWithOsStart, bool managed, bool readOnlyShell)
+    {
+        WritePreferences(ini, [&](CPreferences& prefs) { prefs.Startup().runWithOsStart = runWithOsStart; });
+        auto app = MakeApp();
+        if (managed)
+            app->ManageOsAutoStart(kAppFolder + u"quillarium", folder);
+        if (readOnlyShell)
+            app->KeepPreferencesFileUnchanged();
+        ASSERT_TRUE(app->InitInstance());
+    }; // the app's shutdown writes the preferences and applies the setting
+
+    runOnce(true, false, false);
+    EXPECT_FALSE(m_Fs.Exists(entry)) << "a shell that does not manage the entry leaves it alone";
+    runOnce(true, true, true);
+    EXPECT_FALSE(m_Fs.Exists(entry)) << "the command-line tool writes nothing back";
+    runOnce(true, true, false);
+    ASSERT_TRUE(m_Fs.Exists(entry));
+    EXPECT_NE(m_Fs.Bytes(entry).find("\nExec=\"/opt/quill/quillarium\" -autostartup\n"), std::string::npos);
+    runOnce(false, false, false);
+    EXPECT_TRUE(m_Fs.Exists(entry));
+    runOnce(false, true, false);
+    EXPECT_FALSE(m_Fs.Exists(entry));
 }
 
 TEST(StartupDocumentsFolder, XdgDocumentsDirCountsOnlyWhenAbsolute)
