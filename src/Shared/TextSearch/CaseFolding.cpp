@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -90,18 +91,23 @@ std::u16string FoldCase(std::u16string_view text)
     return folded;
 }
 
-std::vector<char16_t> UnitsFoldingTo(char16_t folded)
+SFoldingUnits UnitsFoldingTo(char16_t folded)
 {
-    std::vector<char16_t> units;
+    SFoldingUnits result;
     if (IsHighSurrogate(folded) || IsLowSurrogate(folded))
-        return units;
+        return result;
     if (FoldUnit(folded) == folded)
-        units.push_back(folded);
+        result.units[result.count++] = folded;
     const auto& pairs = ChangedUnitsByFolding();
     auto range = std::equal_range(pairs.begin(), pairs.end(), std::make_pair(folded, char16_t(0)),
                                   [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (auto it = range.first; it != range.second; ++it)
-        units.push_back(it->second);
-    std::sort(units.begin(), units.end());
-    return units;
+    // Inserted in order: at most four units, so no sort is needed.
+    for (auto it = range.first; it != range.second && result.count < SFoldingUnits::Capacity; ++it)
+    {
+        size_t at = result.count++;
+        for (; at > 0 && result.units[at - 1] > it->second; --at)
+            result.units[at] = result.units[at - 1];
+        result.units[at] = it->second;
+    }
+    return result;
 }

@@ -3,7 +3,7 @@
 #include "Shared/TextSearch/CaseFolding.h"
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -96,21 +96,29 @@ CWordFinder::CWordFinder(std::u16string_view word, bool matchCase, bool wholeWor
 // word qualifies (only surrogates, or letters with many case forms) every position is compared.
 bool CWordFinder::BuildUnitTest(char16_t unit, bool matchCase, SUnitTest& test)
 {
-    const std::vector<char16_t> forms = matchCase ? std::vector<char16_t>{unit} : UnitsFoldingTo(unit);
-    if (forms.empty())
+    SFoldingUnits forms;
+    if (matchCase)
+        forms.units[forms.count++] = unit;
+    else
+        forms = UnitsFoldingTo(unit);
+    if (forms.count == 0)
         return false;
     size_t fewestImages = 3;
     for (uint16_t orMask : {uint16_t(0), uint16_t(0x20)})
     {
-        std::vector<uint16_t> images;
+        std::array<uint16_t, SFoldingUnits::Capacity> images{};
+        size_t imageCount = 0;
         for (char16_t form : forms)
-            images.push_back(uint16_t(form | orMask));
-        std::sort(images.begin(), images.end());
-        images.erase(std::unique(images.begin(), images.end()), images.end());
-        if (images.size() < fewestImages)
         {
-            fewestImages = images.size();
-            test = SUnitTest{orMask, images.front(), images.back()};
+            const auto image = uint16_t(form | orMask);
+            if (std::find(images.begin(), images.begin() + imageCount, image) == images.begin() + imageCount)
+                images[imageCount++] = image;
+        }
+        if (imageCount < fewestImages)
+        {
+            fewestImages = imageCount;
+            const auto [low, high] = std::minmax_element(images.begin(), images.begin() + imageCount);
+            test = SUnitTest{orMask, *low, *high};
         }
     }
     return fewestImages <= 2;
