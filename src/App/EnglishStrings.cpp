@@ -96,7 +96,7 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"FINDREPLDLG_REPLACEIN_WHOLETEXT=Whole text",
 
     // Global search
-    u"GLOBALSEARCHDLG_BOOLEAN=Boolean search (AND, OR, NOT)",
+    u"GLOBALSEARCHDLG_BOOLEAN=Boolean search (+required -excluded)",
     u"GLOBALSEARCHDLG_CAPTION=Search All Notes",
     u"GLOBALSEARCHDLG_CASE_SENSITIVE=Match case",
     u"GLOBALSEARCHDLG_CLOSE_BTN=Close",
