@@ -170,6 +170,34 @@ TEST_F(StartupSequence, PortableModeKeepsEverythingBesideTheProgramAndIsDecidedO
     EXPECT_EQ(next.DocumentsFolder(), u"/home/u/Documents/");
 }
 
+// A portable copy moved to another place finds its data file beside the program again, logs the
+// correction, and remembers the new path for the next start.
+TEST_F(StartupSequence, PortableCopyMovedElsewhereFindsItsDataFileBesideTheProgram)
+{
+    m_Fs.Bytes(kAppFolder + u"Portable.sig") = "";
+    m_Fs.Bytes(kAppFolder + u"notes.ddb") = "data";
+    WritePreferences(kAppFolder + u"Quillarium.ini", [](CPreferences& prefs)
+                     { prefs.DocumentState().recentFilePath = u"/media/OLDSTICK/quill/notes.ddb"; });
+    auto app = MakeApp();
+    ASSERT_TRUE(app->InitInstance());
+    EXPECT_EQ(app->DataFilePath(), kAppFolder + u"notes.ddb");
+    EXPECT_EQ(m_Centers.events, (std::vector<std::u16string>{u"open /opt/quill/notes.ddb"}));
+    EXPECT_EQ(m_Copies.asked, (std::vector<std::u16string>{u"/opt/quill/notes.ddb"}));
+    app.reset();
+
+    const std::u16string log = LogText(kAppFolder + u"Quillarium.log");
+    const size_t warning = Find(
+        log,
+        u"Warning: Cannot find file /media/OLDSTICK/quill/notes.ddb - file does not exists by this path.");
+    const size_t info =
+        Find(log, u"Info: Portable mode correction: /media/OLDSTICK/quill/notes.ddb file is moved "
+                  u"to following path - /opt/quill/notes.ddb.");
+    EXPECT_LT(warning, info);
+    CPreferences stored({m_Fs, m_Clock, m_Fonts, true, kAppFolder});
+    ASSERT_TRUE(stored.Load(kAppFolder + u"Quillarium.ini"));
+    EXPECT_EQ(stored.DocumentState().recentFilePath, kAppFolder + u"notes.ddb");
+}
+
 TEST_F(StartupSequence, ReadOnlyProgramFolderSendsLogAndPreferencesToTheUsersFolders)
 {
     m_Fs.readOnlyFolders.insert(kAppFolder);

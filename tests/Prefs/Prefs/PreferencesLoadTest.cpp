@@ -98,6 +98,9 @@ TEST(PreferencesLoad, IntegerChecksFallBackOrClamp)
     auto keepDays = [](const CPreferences& p) { return p.Backup().delOldBackupDays; };
     auto interval = [](const CPreferences& p) { return p.Backup().backupIntervalMinutes; };
     auto treeWidth = [](const CPreferences& p) { return p.Layout().mainWndTreeWidth; };
+    auto cardWidth = [](const CPreferences& p) { return p.Layout().folderListCardWidth; };
+    auto cardHeight = [](const CPreferences& p) { return p.Layout().folderListCardHeight; };
+    auto autoClose = [](const CPreferences& p) { return p.Other().autoClosePasswordProtectedFileMinutes; };
     const SIntCase cases[] = {
         {u"DefaultPrefsFontSize=1", fontSize, 12},
         {u"DefaultPrefsFontSize=2", fontSize, 2},
@@ -129,6 +132,24 @@ TEST(PreferencesLoad, IntegerChecksFallBackOrClamp)
         {u"BackupPrefsBackupInterval=60", interval, 60},
         {u"MainWndTreeWidth=-200", treeWidth, 250},
         {u"MainWndTreeWidth=300", treeWidth, 300},
+        {u"OtherPrefsAutoSaveMinutes=1440", autoSave, 1440},
+        {u"OtherPrefsAutoSaveMinutes=1441", autoSave, 3},
+        {u"AutoClosePasswordProtectedFileMinutes=0", autoClose, 0},
+        {u"AutoClosePasswordProtectedFileMinutes=30", autoClose, 30},
+        {u"AutoClosePasswordProtectedFileMinutes=-1", autoClose, 0},
+        {u"AutoClosePasswordProtectedFileMinutes=1441", autoClose, 0},
+        {u"BackupPrefsDelOldBackupDays=36600", keepDays, 36600},
+        {u"BackupPrefsDelOldBackupDays=36601", keepDays, 7},
+        {u"BackupPrefsBackupInterval=527040", interval, 527040},
+        {u"BackupPrefsBackupInterval=527041", interval, 320},
+        {u"MainWndTreeWidth=19", treeWidth, 250},
+        {u"MainWndTreeWidth=10001", treeWidth, 250},
+        {u"FolderListCardWidth=40", cardWidth, 40},
+        {u"FolderListCardWidth=39", cardWidth, 200},
+        {u"FolderListCardWidth=4001", cardWidth, 200},
+        {u"FolderListCardHeight=30", cardHeight, 30},
+        {u"FolderListCardHeight=29", cardHeight, 150},
+        {u"FolderListCardHeight=4001", cardHeight, 150},
     };
     for (const SIntCase& c : cases)
     {
@@ -289,6 +310,55 @@ TEST(PreferencesLoad, DamagedWindowPlacementsAreLoggedAndTheRestLoads)
         EXPECT_EQ(loaded.log.Messages(),
                   std::vector<std::u16string>{u"Error: Unable to serialize [load] window placements data"})
             << Utf16ToUtf8(line);
+    }
+}
+
+// The text a store of preferences saves, for comparing every value at once.
+std::u16string SavedText(CPreferences& prefs, SPrefsFixture& fixture)
+{
+    EXPECT_TRUE(prefs.Save(u"/prog/compare.ini"));
+    return Utf16LeBytesToText(fixture.fs.Bytes(u"/prog/compare.ini"));
+}
+
+// Junk without a single "=" holds no entry, read as UTF-16 or as ANSI text: every value is its
+// default, and nothing but the parser's designed warnings is logged.
+TEST(PreferencesLoad, BinaryJunkAndForeignAnsiFilesGiveExactlyTheDefaults)
+{
+    std::mt19937 random(11);
+    std::vector<std::string> files = {
+        "[Settings]\r\nFont: Arial\r\nSize 14\r\n; Gr\xF6\xDF"
+        "e und Farbe\r\n",
+        std::string("\xFF\xFE[\0x\0]\0\r\0\n\0", 12),
+        std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16),
+    };
+    for (int round = 0; round < 60; ++round)
+    {
+        std::string junk(5 + random() % 400, '\0');
+        for (char& byte : junk)
+            do
+                byte = static_cast<char>(random());
+            while (byte == '=');
+        files.push_back(round % 2 == 0 ? "\xFF\xFE" + junk : junk);
+    }
+    for (const std::string& file : files)
+    {
+        SPrefsFixture fixture;
+        CPreferences defaults(fixture.Env());
+        const std::u16string expected = SavedText(defaults, fixture);
+        fixture.fs.Bytes(SPrefsFixture::IniPath) = file;
+        CLogCapture log;
+        CPreferences prefs(fixture.Env());
+        // Values from before the load must not survive it.
+        prefs.Editor().fontSize = 40;
+        prefs.SysTray().show = false;
+        prefs.PwdGen().passwordLength = 99;
+        prefs.ShellState().recentFiles.Add(u"/old.ddb");
+        prefs.Load(SPrefsFixture::IniPath);
+        ASSERT_EQ(SavedText(prefs, fixture), expected) << file.size();
+        for (const std::u16string& line : log.Messages())
+            EXPECT_EQ(line.rfind(u"Warrning: File /prog/Quillarium.ini contains less than 2 characters", 0),
+                      0u)
+                << Utf16ToUtf8(line);
     }
 }
 
