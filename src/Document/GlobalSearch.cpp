@@ -32,11 +32,28 @@ bool CGlobalSearch::Run(CItem& start)
     return !m_Status.IsCancelled();
 }
 
-uint64_t CGlobalSearch::CountSubtree(const CItem& item)
+uint64_t CGlobalSearch::CountSubtree(const CItem& item) const
 {
-    size_t notes = 0;
-    size_t folders = 0;
-    return 1 + item.CountItems(notes, folders, CountItemsDeep);
+    uint64_t count = 1;
+    std::vector<const CFolderBase*> folders;
+    if (const auto* folder = dynamic_cast<const CFolderBase*>(&item))
+        folders.push_back(folder);
+    while (!folders.empty() && !m_Status.IsCancelled())
+    {
+        const CFolderBase* folder = folders.back();
+        folders.pop_back();
+        for (size_t i = 0; i < folder->GetChildCount(); ++i)
+        {
+            const CItem* child = folder->GetChild(i);
+            const auto* subFolder = dynamic_cast<const CFolderBase*>(child);
+            if (!(subFolder ? folder->AreFoldersLoaded() : folder->AreNotesLoaded()))
+                continue;
+            ++count;
+            if (subFolder)
+                folders.push_back(subFolder);
+        }
+    }
+    return count;
 }
 
 void CGlobalSearch::Walk()

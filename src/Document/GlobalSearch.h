@@ -57,7 +57,10 @@ public:
     static bool FolderMatches(const CTextSearch& search, const CFolderBase& folder);
 
 private:
-    static uint64_t CountSubtree(const CItem& item);
+    // The items below and including `item` that are in memory (a child counts when its kind is
+    // loaded in its folder). Counted without recursion and given up as soon as the run is
+    // cancelled, so a large tree answers Cancel while it is still being counted.
+    uint64_t CountSubtree(const CItem& item) const;
     // The walk keeps its own stack, so a deep tree cannot exhaust the thread's stack.
     void Walk();
     void SearchItem(CItem& item);

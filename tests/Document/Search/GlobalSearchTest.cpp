@@ -151,3 +151,17 @@ TEST_F(GlobalSearchTest, CancellingFromTheProgressCallbackStopsTheWalk)
         EXPECT_EQ(walk.Results().size(), expectedHits[stopAfter]) << stopAfter;
     }
 }
+
+// The tree is counted for the progress bar before the walk; a cancelled run gives that up too,
+// so a large tree does not keep the user waiting after Cancel.
+TEST_F(GlobalSearchTest, CancelledRunDoesNotCountTheTree)
+{
+    const CTextSearch search(u"red", false, false, false);
+    CSearchStatus status;
+    status.Cancel();
+    CGlobalSearch walk(search, status);
+    EXPECT_FALSE(walk.Run(root));
+    EXPECT_EQ(status.Total(), 1u);
+    EXPECT_EQ(status.Done(), 0u);
+    EXPECT_TRUE(walk.Results().empty());
+}
