@@ -18,13 +18,16 @@ bool DecodeRunningInstancePayload(std::string_view payload, std::u16string& path
     if (payload.size() < 2 || payload.size() % 2 != 0 || payload[payload.size() - 1] != '\0' ||
         payload[payload.size() - 2] != '\0')
         return false;
+    // The text ends at its first zero, as the sender's string does.
     path.clear();
-    path.reserve(payload.size() / 2 - 1);
     for (size_t offset = 0; offset + 2 < payload.size(); offset += 2)
     {
         const auto low = static_cast<uint8_t>(payload[offset]);
         const auto high = static_cast<uint8_t>(payload[offset + 1]);
-        path.push_back(static_cast<char16_t>(low | (high << 8)));
+        const auto unit = static_cast<char16_t>(low | (high << 8));
+        if (unit == 0)
+            break;
+        path.push_back(unit);
     }
     return true;
 }

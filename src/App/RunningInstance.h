@@ -22,8 +22,8 @@ public:
 
 // The question's payload: the path as UTF-16LE with its terminating zero (2 × length + 2 bytes).
 std::string EncodeRunningInstancePayload(std::u16string_view path);
-// The path of a payload; false when the payload is empty, has an odd size or lacks the
-// terminating zero.
+// The path of a payload: its text up to the first zero unit. False when the payload is empty,
+// has an odd size or does not end with a zero unit.
 bool DecodeRunningInstancePayload(std::string_view payload, std::u16string& path);
 
 // The answer of a copy that has `openFilePath` open: 1 when the message is the question, its

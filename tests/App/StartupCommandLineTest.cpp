@@ -50,6 +50,9 @@ TEST(StartupRunningInstance, PayloadIsUtf16LeWithTerminatingZero)
     EXPECT_FALSE(DecodeRunningInstancePayload(std::string("a\0\0", 3), path));  // odd size
     EXPECT_FALSE(DecodeRunningInstancePayload(std::string("a\0b\0", 4), path)); // no terminator
     EXPECT_FALSE(DecodeRunningInstancePayload(std::string("a\0\0b", 4), path)); // half a terminator
+    // The sender's string ends at its first zero; what follows is not part of the path.
+    ASSERT_TRUE(DecodeRunningInstancePayload(std::string("a\0\0\0b\0\0\0", 8), path));
+    EXPECT_EQ(path, u"a");
 }
 
 TEST(StartupRunningInstance, OnlyTheExactOpenPathUnderTheQuestionKindIsAnsweredWithOne)
@@ -62,4 +65,7 @@ TEST(StartupRunningInstance, OnlyTheExactOpenPathUnderTheQuestionKindIsAnsweredW
     std::string unterminated = EncodeRunningInstancePayload(open);
     unterminated.resize(unterminated.size() - 2);
     EXPECT_EQ(AnswerRunningInstanceQuery(3443, unterminated, open), 0);
+    EXPECT_EQ(AnswerRunningInstanceQuery(3443, EncodeRunningInstancePayload(open) + std::string("x\0\0\0", 4),
+                                         open),
+              1);
 }
