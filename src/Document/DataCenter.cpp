@@ -74,7 +74,7 @@ bool CDataCenter::CreateDocument(const std::u16string& path)
         ShowError(u"ERR_CANNOT_CREATE_FILE", path);
         return false;
     }
-    m_Db.GetDataFile().SetCacheLimits(CacheTotalLimit, CachePerRecordLimit);
+    SetStorageCacheLimits();
     auto root = std::make_unique<CDBFolder>(&m_Records);
     root->SetId(m_Records.CreateItemRecord(CItemRecords::FolderItemKind, true));
     if (root->GetId().IsZero() || !BuildDefaultTree(*root, m_Records) ||
@@ -92,7 +92,7 @@ bool CDataCenter::CreateDocument(const std::u16string& path)
 bool CDataCenter::OpenDocument(const std::u16string& path)
 {
     CloseDocument();
-    m_Db.GetDataFile().SetCacheLimits(CacheTotalLimit, CachePerRecordLimit);
+    SetStorageCacheLimits();
     const DocumentIdentity::StorageKey key = DocumentIdentity::DeriveStorageKey();
     if (!m_Fs.Exists(path))
     {
@@ -114,6 +114,13 @@ bool CDataCenter::OpenDocument(const std::u16string& path)
         ShowError(u"ERR_WRITE_PROTECTED_FILE", path, {}, true);
     }
     return LoadRoot(path);
+}
+
+void CDataCenter::SetStorageCacheLimits()
+{
+    CDataFile& file = m_Db.GetDataFile();
+    file.SetCacheLimits(CacheTotalLimit, CachePerRecordLimit);
+    file.SetCarriedRecordLimit(CarriedRecordLimit);
 }
 
 bool CDataCenter::CheckIdentity(const std::u16string& path)

@@ -41,6 +41,9 @@ class CDataCenter : public IItemTreeHost
 public:
     static constexpr uint32_t CacheTotalLimit = 10000000;
     static constexpr uint32_t CachePerRecordLimit = 1000;
+    // Database headers, captions and attribute blocks are at most this long (a caption of up to
+    // 127 characters); they travel in the cache record, so opening reads the tree sequentially.
+    static constexpr uint32_t CarriedRecordLimit = 256;
     static constexpr uint32_t CloseDefragmentMs = 200;
 
     // Without a message box the one installed in the application connector is used.
@@ -96,6 +99,7 @@ public:
     IMessageBox* GetMessageBox() override;
 
 private:
+    void SetStorageCacheLimits();
     bool FailOpen(const char16_t* key, const std::u16string& path, std::u16string_view appName = {});
     bool CheckIdentity(const std::u16string& path);
     bool LoadRoot(const std::u16string& path);

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <unordered_set>
 
 using namespace ItemRecordFormat;
 
@@ -326,7 +325,9 @@ bool CItemRecords::LoadChildList(CDBFolder& folder)
 {
     std::vector<SPendingFolder> pending;
     pending.push_back({&folder, ReadChildIds(folder.GetId()), 0});
-    std::unordered_set<CUInt128, CUInt128Hash> loaded{folder.GetId()};
+    LoadedIds loaded;
+    if (const SDBFileRecordCacheEntry* own = m_Db.FindRecord(folder.GetId()))
+        loaded.Insert(folder.GetId(), own);
     // Walks the subtree with an explicit stack: a damaged file may nest folders very deeply.
     while (!pending.empty())
     {
@@ -344,8 +345,7 @@ bool CItemRecords::LoadChildList(CDBFolder& folder)
     return true;
 }
 
-void CItemRecords::LoadChild(std::vector<SPendingFolder>& pending,
-                             std::unordered_set<CUInt128, CUInt128Hash>& loaded, const CUInt128& childId)
+void CItemRecords::LoadChild(std::vector<SPendingFolder>& pending, LoadedIds& loaded, const CUInt128& childId)
 {
     CFolderBase& parent = *pending.back().folder;
     const SDBFileRecordCacheEntry* entry = m_Db.FindRecord(childId);
@@ -355,7 +355,9 @@ void CItemRecords::LoadChild(std::vector<SPendingFolder>& pending,
         return;
     }
     // An ID met twice would loop forever (a folder listing an ancestor) or duplicate an item.
-    const bool repeated = !loaded.insert(childId).second;
+    const bool repeated = loaded.Find(childId) != nullptr;
+    if (!repeated)
+        loaded.Insert(childId, entry);
     if (entry->recordType == FolderRecord)
     {
         auto child = std::make_unique<CDBFolder>(this, parent.IsNotifying());

@@ -7,6 +7,7 @@
 // ordinary folder, kind + 1 for a default folder.
 #include "Document/ItemRecordFormat.h"
 #include "Shared/Base/UInt128.h"
+#include "Shared/Base/UInt128Index.h"
 
 #include <array>
 #include <cstdint>
@@ -14,7 +15,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 class CDBFile;
@@ -25,6 +25,7 @@ class CItem;
 class CNoteBase;
 class CRichTextDocument;
 struct SDBFieldChange;
+struct SDBFileRecordCacheEntry;
 
 class CItemRecords
 {
@@ -83,8 +84,9 @@ private:
     bool LoadCommonFields(CItem& item, const CUInt128& id);
     void LoadExtendedData(CItem& item, const std::vector<uint8_t>* attributes, size_t offset);
     bool LoadFolderFields(CDBFolder& folder, const CUInt128& id);
-    void LoadChild(std::vector<SPendingFolder>& pending, std::unordered_set<CUInt128, CUInt128Hash>& loaded,
-                   const CUInt128& childId);
+    // The records met while loading a subtree, so that none is loaded twice.
+    using LoadedIds = CUInt128Index<const SDBFileRecordCacheEntry>;
+    void LoadChild(std::vector<SPendingFolder>& pending, LoadedIds& loaded, const CUInt128& childId);
     std::vector<CUInt128> ReadChildIds(const CUInt128& id);
     CUInt128 FindPasswordRecord();
 

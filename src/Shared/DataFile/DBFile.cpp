@@ -57,6 +57,7 @@ bool CDBFile::BuildCache()
 {
     m_Cache->Clear();
     const uint32_t count = m_DataFile.GetTypedRecordsCount(HeaderRecordType);
+    m_Cache->Reserve(count);
     std::vector<CUInt128> headerIds;
     headerIds.reserve(count);
     for (uint32_t index = 0; index < count; ++index)

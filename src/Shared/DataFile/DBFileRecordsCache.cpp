@@ -1,7 +1,5 @@
 #include "Shared/DataFile/DBFileRecordsCache.h"
 
-#include <algorithm>
-
 const SFieldCacheEntry* SDBFileRecordCacheEntry::FindField(uint16_t fieldType) const
 {
     for (const SFieldCacheEntry& field : fields)
@@ -12,60 +10,97 @@ const SFieldCacheEntry* SDBFileRecordCacheEntry::FindField(uint16_t fieldType) c
 
 SDBFileRecordCacheEntry* CDBFile::CRecordsCache::Add(SDBFileRecordCacheEntry entry)
 {
-    if (m_ById.count(entry.id) != 0)
+    if (m_ById.Find(entry.id))
         return nullptr;
-    auto owned = std::make_unique<SDBFileRecordCacheEntry>(std::move(entry));
-    SDBFileRecordCacheEntry* added = owned.get();
-    m_Order.push_back(std::move(owned));
-    m_ById.emplace(added->id, added);
-    m_Typed[added->recordType].push_back(added);
-    return added;
+    SNode* node = nullptr;
+    if (!m_FreeNodes.empty())
+    {
+        node = m_FreeNodes.back();
+        m_FreeNodes.pop_back();
+    }
+    else
+        node = &m_Nodes.emplace_back();
+    node->entry = std::move(entry);
+    m_ById.Insert(node->entry.id, node);
+    node->orderSlot = static_cast<uint32_t>(m_Order.nodes.size());
+    m_Order.nodes.push_back(node);
+    SList& typed = m_Typed[node->entry.recordType];
+    node->typedSlot = static_cast<uint32_t>(typed.nodes.size());
+    typed.nodes.push_back(node);
+    return &node->entry;
 }
 
 SDBFileRecordCacheEntry* CDBFile::CRecordsCache::Find(const CUInt128& id)
 {
-    const auto it = m_ById.find(id);
-    return it == m_ById.end() ? nullptr : it->second;
+    SNode* node = m_ById.Find(id);
+    return node ? &node->entry : nullptr;
 }
 
 const SDBFileRecordCacheEntry* CDBFile::CRecordsCache::Find(const CUInt128& id) const
 {
-    const auto it = m_ById.find(id);
-    return it == m_ById.end() ? nullptr : it->second;
+    const SNode* node = m_ById.Find(id);
+    return node ? &node->entry : nullptr;
 }
 
 bool CDBFile::CRecordsCache::Remove(const CUInt128& id)
 {
-    const auto it = m_ById.find(id);
-    if (it == m_ById.end())
+    SNode* node = m_ById.Find(id);
+    if (!node)
         return false;
-    SDBFileRecordCacheEntry* entry = it->second;
-    m_ById.erase(it);
-    auto typed = m_Typed.find(entry->recordType);
-    std::erase(typed->second, entry);
-    if (typed->second.empty())
+    m_ById.Erase(id);
+    m_Order.nodes[node->orderSlot] = nullptr;
+    ++m_Order.holes;
+    const auto typed = m_Typed.find(node->entry.recordType);
+    typed->second.nodes[node->typedSlot] = nullptr;
+    if (++typed->second.holes == typed->second.nodes.size())
         m_Typed.erase(typed);
-    std::erase_if(m_Order, [entry](const auto& owned) { return owned.get() == entry; });
+    *node = SNode();
+    m_FreeNodes.push_back(node);
     return true;
 }
 
 void CDBFile::CRecordsCache::Clear()
 {
-    m_ById.clear();
+    m_ById.Clear();
+    m_Order = {};
     m_Typed.clear();
-    m_Order.clear();
+    m_FreeNodes.clear();
+    m_Nodes.clear();
+}
+
+void CDBFile::CRecordsCache::Compact(SList& list, bool typed)
+{
+    if (list.holes == 0)
+        return;
+    size_t out = 0;
+    for (SNode* node : list.nodes)
+    {
+        if (!node)
+            continue;
+        (typed ? node->typedSlot : node->orderSlot) = static_cast<uint32_t>(out);
+        list.nodes[out++] = node;
+    }
+    list.nodes.resize(out);
+    list.holes = 0;
+}
+
+const SDBFileRecordCacheEntry* CDBFile::CRecordsCache::At(size_t index)
+{
+    Compact(m_Order, false);
+    return index < m_Order.nodes.size() ? &m_Order.nodes[index]->entry : nullptr;
 }
 
 size_t CDBFile::CRecordsCache::TypedCount(uint16_t recordType) const
 {
     const auto it = m_Typed.find(recordType);
-    return it == m_Typed.end() ? 0 : it->second.size();
+    return it == m_Typed.end() ? 0 : it->second.nodes.size() - it->second.holes;
 }
 
-const SDBFileRecordCacheEntry* CDBFile::CRecordsCache::TypedAt(uint16_t recordType, size_t index) const
+const SDBFileRecordCacheEntry* CDBFile::CRecordsCache::TypedAt(uint16_t recordType, size_t index)
 {
     const auto it = m_Typed.find(recordType);
-    if (it == m_Typed.end() || index >= it->second.size())
+    if (it == m_Typed.end())
         return nullptr;
-    return it->second[index];
+    Compact(it->second, true);
+    return index < it->second.nodes.size() ? &it->second.nodes[index]->entry : nullptr;
 }

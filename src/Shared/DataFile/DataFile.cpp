@@ -74,6 +74,7 @@ void CDataFile::ResetState()
     ClearCaches();
     m_FileLength = 0;
     m_CacheRecordLive = false;
+    m_CarriedDataRead = false;
     m_CacheFromRecord = false;
 }
 
@@ -179,7 +180,7 @@ void CDataFile::Close(bool defragment, uint32_t timeLimitMs)
                 else
                     DefragmentQuick(timeLimitMs);
             }
-            if (!m_CacheRecordLive)
+            if (!m_CacheRecordLive || m_CarriedDataRead)
                 SaveCacheRecord();
         }
         catch (const CDataFileError& e)

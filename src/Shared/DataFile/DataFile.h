@@ -34,6 +34,10 @@ struct SDFileRecordCacheEntry;
 class CDataFileReadAhead;
 
 // How much record data the caches may keep in memory; shared by both records caches.
+//
+// Small records (at most `carriedLimit` bytes, 0 by default) can be kept apart from that budget:
+// their data always stays in memory and so travels in the cache record, and the next open gets
+// them with the directory in one sequential read instead of one read per record.
 struct SDataFileCacheBudget
 {
     static constexpr uint32_t DefaultTotal = 524288;
@@ -41,11 +45,14 @@ struct SDataFileCacheBudget
 
     uint32_t totalLimit = DefaultTotal;
     uint32_t perRecordLimit = DefaultPerRecord;
-    uint64_t used = 0;
+    uint32_t carriedLimit = 0;
+    uint64_t used = 0; // bytes of budgeted (not carried) data held
 
+    bool IsCarried(uint32_t dataSize) const { return dataSize >= 1 && dataSize <= carriedLimit; }
     bool Admits(uint32_t dataSize) const
     {
-        return dataSize >= 1 && dataSize <= perRecordLimit && used + dataSize <= totalLimit;
+        return IsCarried(dataSize) ||
+               (dataSize >= 1 && dataSize <= perRecordLimit && used + dataSize <= totalLimit);
     }
 };
 
@@ -99,6 +106,9 @@ public:
     bool DefragmentQuick(uint32_t timeLimitMs);
     bool DefragmentFull();
     void SetCacheLimits(uint32_t totalBytes, uint32_t perRecordBytes);
+    // Keeps the data of every record of at most `bytes` bytes in memory, outside the limits above,
+    // so that it is saved with the cache record (see SDataFileCacheBudget). 0 turns this off.
+    void SetCarriedRecordLimit(uint32_t bytes);
 
     // Diagnostics. The dump writes the whole file, deciphered as one buffer at offset 0, to `path`.
     bool DumpDecipheredTo(const std::u16string& path);
@@ -172,6 +182,7 @@ private:
     std::unique_ptr<CRecordsCache> m_External;
     std::unique_ptr<CDeletedSpaceList> m_Deleted;
     bool m_CacheRecordLive = false; // the header's cache record still matches the caches
+    bool m_CarriedDataRead = false;  // carried data was read that the cache record lacks
     bool m_CacheFromRecord = false;
     std::vector<uint8_t> m_IoBuffer;
     mutable CCriticalSection m_Lock;

@@ -215,6 +215,7 @@ void CDataFile::SaveCacheRecord()
             return;
         }
         m_CacheRecordLive = true;
+        m_CarriedDataRead = false;
         LogMessage(u"Info: Saved cache record size. Its size = %d.", header.dataSize);
     }
     catch (const CDataFileError&)

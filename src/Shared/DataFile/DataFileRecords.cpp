@@ -220,7 +220,8 @@ bool CDataFile::GetRecordData(const CUInt128& id, std::vector<uint8_t>& data)
     {
         if (!ReadRecordData(*entry, data))
             return false;
-        owner->StoreData(*entry, data.data(), entry->dataSize);
+        if (owner->StoreData(*entry, data.data(), entry->dataSize) && m_Budget.IsCarried(entry->dataSize))
+            m_CarriedDataRead = true;
         return true;
     }
     catch (const CDataFileError& e)
@@ -608,10 +609,20 @@ void CDataFile::SetCacheLimits(uint32_t totalBytes, uint32_t perRecordBytes)
     }
     if (totalBytes < m_Budget.totalLimit)
     {
-        m_External->DropAllData();
-        m_Internal->DropAllData();
+        m_External->DropBudgetedData();
+        m_Internal->DropBudgetedData();
         m_Budget.used = 0;
     }
     m_Budget.totalLimit = totalBytes;
     m_Budget.perRecordLimit = perRecordBytes;
+}
+
+void CDataFile::SetCarriedRecordLimit(uint32_t bytes)
+{
+    CDataFileAccessLock lock(*this);
+    // What counts as budgeted changes with the limit, so the accounting starts afresh.
+    m_External->DropAllData();
+    m_Internal->DropAllData();
+    m_Budget.used = 0;
+    m_Budget.carriedLimit = bytes;
 }

@@ -2,11 +2,14 @@
 // The in-memory directory of live records of one kind (internal or external): entries by ID, in
 // insertion order, and per record type. Removal leaves a hole in the order lists that is closed
 // on the next indexed query, so deleting many records stays linear overall.
+// Opening a large document looks up every record a few times, so entries are found through a
+// CUInt128Index (one array access for the IDs a file normally has).
+#include "Shared/Base/UInt128Index.h"
 #include "Shared/DataFile/DataFile.h"
 
+#include <deque>
 #include <map>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 struct SDFileRecordCacheEntry
@@ -39,9 +42,9 @@ public:
     bool HasEntryAt(uint64_t position) const; // linear: used once per defragmentation run
     bool Remove(const CUInt128& id);
     void Clear();
-    void Reserve(size_t count) { m_Map.reserve(count); }
+    void Reserve(size_t count);
 
-    size_t Count() const { return m_Map.size(); }
+    size_t Count() const { return m_ById.Count(); }
     SDFileRecordCacheEntry* At(size_t index);
     bool HasType(uint16_t type) const { return m_Typed.count(type) != 0; }
     size_t TypedCount(uint16_t type) const;
@@ -51,7 +54,9 @@ public:
     // must run before the data size of an entry with cached data changes.
     bool StoreData(SDFileRecordCacheEntry& entry, const void* data, uint32_t size);
     void DropData(SDFileRecordCacheEntry& entry);
+    // Both keep the data of carried records.
     void DropDataLargerThan(uint32_t limit);
+    void DropBudgetedData();
     void DropAllData();
 
     // Entries ordered by ID, for the cache record.
@@ -59,9 +64,14 @@ public:
 
 private:
     static void Compact(std::vector<SDFileRecordCacheEntry*>& list, size_t& holes, bool typed);
+    template <class TVisit> void ForEachEntry(const TVisit& visit) const;
 
     SDataFileCacheBudget& m_Budget;
-    std::unordered_map<CUInt128, SDFileRecordCacheEntry, CUInt128Hash> m_Map;
+    // Entries keep their address while they live (the order and typed lists point at them);
+    // slots of removed entries (ID zero) are reused.
+    std::deque<SDFileRecordCacheEntry> m_Entries;
+    std::vector<SDFileRecordCacheEntry*> m_FreeEntries;
+    CUInt128Index<SDFileRecordCacheEntry> m_ById;
     std::vector<SDFileRecordCacheEntry*> m_Order;
     size_t m_OrderHoles = 0;
     std::map<uint16_t, STypedCacheRecordsArray> m_Typed;
