@@ -2,7 +2,6 @@
 #include "Cli/CliSession.h"
 #include "Document/DBNote.h"
 #include "Shared/Base/TextConv.h"
-#include "Shared/RichText/FontDescription.h"
 #include "Shared/RichText/HtmlWriter.h"
 #include "Shared/RichText/PlainTextWriter.h"
 #include "Shared/RichText/RtfWriter.h"
@@ -35,8 +34,7 @@ SCliCommand CatCommand()
                 err << "quillarium-cli: '" << args.positional[1] << "' is not a readable note\n";
             return int(CliFailure);
         }
-        // Without a display there are no font preferences; writers get a common default face.
-        const SFontDescription font = SFontDescription::Make(u"Arial", 10);
+        const SFontDescription& font = args.noteFont;
         std::u16string result;
         if (format == "rtf")
             result = ToRtf(*text, font);

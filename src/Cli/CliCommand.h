@@ -2,6 +2,8 @@
 // The command table of quillarium-cli. Each command lives in its own file and is listed once in
 // CliCommands.cpp. A command writes its normal output to `out` and a failure's message to `err`,
 // and answers the process exit status: 0 success, 1 a handled failure, 2 bad usage.
+#include "Shared/RichText/FontDescription.h"
+
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -25,6 +27,8 @@ struct SCliArgs
     // named, otherwise a line of `in` (the tool's standard input).
     std::string passwordFile;
     std::istream* in = nullptr;
+    // The note font of the program's preferences, for exported and imported texts.
+    SFontDescription noteFont = SFontDescription::Make(u"Arial", 12);
 
     bool Has(std::string_view option) const;
     // The value of an option that takes one; `fallback` when absent.
@@ -44,8 +48,9 @@ struct SCliCommand
 const std::vector<SCliCommand>& CliCommands();
 
 // Parses `words` (argv without the program name) and runs the command; the whole tool. Passwords
-// are read from `in`.
-int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream& out, std::ostream& err);
+// are read from `in`; texts are exported and imported with `noteFont` when given.
+int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream& out, std::ostream& err,
+           const SFontDescription* noteFont = nullptr);
 
 // Text for JSON string values (quotes, backslashes and control characters escaped).
 std::string JsonEscape(std::string_view utf8);

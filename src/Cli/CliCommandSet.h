@@ -8,6 +8,8 @@ SCliCommand TreeCommand();
 SCliCommand AddFolderCommand();
 SCliCommand AddNoteCommand();
 SCliCommand CatCommand();
+SCliCommand ImportCommand();
+SCliCommand ExportCommand();
 SCliCommand RenameCommand();
 SCliCommand MoveCommand();
 SCliCommand RmCommand();

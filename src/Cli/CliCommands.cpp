@@ -23,9 +23,10 @@ const std::vector<SCliCommand>& CliCommands()
 {
     // Commands register here, one line each, in the order the help lists them.
     static const std::vector<SCliCommand> commands = {
-        NewCommand(),    InfoCommand(),   TreeCommand(),      AddFolderCommand(), AddNoteCommand(),
-        CatCommand(),    RenameCommand(), MoveCommand(),      RmCommand(),        CheckCommand(),
-        DefragCommand(), BackupCommand(), CliSearchCommand(), PasswdCommand(),
+        NewCommand(),     InfoCommand(),   TreeCommand(),      AddFolderCommand(),
+        AddNoteCommand(), CatCommand(),    ImportCommand(),    ExportCommand(),
+        RenameCommand(),  MoveCommand(),   RmCommand(),        CheckCommand(),
+        DefragCommand(),  BackupCommand(), CliSearchCommand(), PasswdCommand(),
     };
     return commands;
 }
@@ -97,7 +98,8 @@ bool ParseArgs(const SCliCommand& command, const std::vector<std::string>& words
 }
 } // namespace
 
-int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream& out, std::ostream& err)
+int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream& out, std::ostream& err,
+           const SFontDescription* noteFont)
 {
     if (words.empty())
     {
@@ -117,6 +119,8 @@ int RunCli(const std::vector<std::string>& words, std::istream& in, std::ostream
     }
     SCliArgs args;
     args.in = &in;
+    if (noteFont)
+        args.noteFont = *noteFont;
     if (!ParseArgs(*command, words, args, err))
         return CliBadUsage;
     if (args.Has("--help"))

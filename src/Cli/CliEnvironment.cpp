@@ -1,6 +1,7 @@
 #include "Cli/CliEnvironment.h"
 
 #include "Document/FileTimes.h"
+#include "Prefs/Preferences.h"
 #include "Shared/Base/File.h"
 #include "Shared/Base/OleDate.h"
 #include "Shared/Base/TextConv.h"
@@ -34,6 +35,15 @@ CCliEnvironment::CCliEnvironment(std::u16string applicationFolder, std::ostream&
 }
 
 CCliEnvironment::~CCliEnvironment() = default;
+
+SFontDescription CCliEnvironment::NoteFont() const
+{
+    const CPreferences* preferences = m_App->Preferences();
+    if (!preferences)
+        return SFontDescription::Make(u"Arial", 12);
+    const SEditorPrefs& editor = preferences->Editor();
+    return SFontDescription::Make(editor.fontName.empty() ? u"Arial" : editor.fontName, editor.fontSize);
+}
 
 bool CCliEnvironment::Start()
 {

@@ -26,6 +26,9 @@ public:
     // Opens the log and loads the preferences and the language module; false (with the message
     // printed) when the language module cannot be loaded.
     bool Start();
+    // The program's note font from the preferences ("DefaultPrefsFontName" and "...Size"); Arial
+    // when they name no face (a system without any font).
+    SFontDescription NoteFont() const;
 
 private:
     class CStreamMessageBox : public IMessageBox

@@ -11,5 +11,6 @@ int main(int argc, char** argv)
     if (!environment.Start())
         return CliFailure;
     std::vector<std::string> words(argv + 1, argv + argc);
-    return RunCli(words, std::cin, std::cout, std::cerr);
+    const SFontDescription noteFont = environment.NoteFont();
+    return RunCli(words, std::cin, std::cout, std::cerr, &noteFont);
 }

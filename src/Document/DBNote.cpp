@@ -23,6 +23,14 @@ bool CDBNote::GetPlainText(std::u16string& text)
     return m_Records->LoadPlainText(GetId(), text);
 }
 
+void CDBNote::WriteDump(CItemTextDumpWriter& writer)
+{
+    const bool wasLoaded = IsTextLoaded();
+    CNoteBase::WriteDump(writer);
+    if (!wasLoaded)
+        UnloadText();
+}
+
 void CDBNote::RestoreOpenFlag(bool open)
 {
     SetOpenFlagOnly(open);

@@ -29,6 +29,9 @@ public:
 
 protected:
     std::unique_ptr<CItemExtendedData> CreateExtendedData() const override;
+    // A dump reads the text; one that was in storage goes back there afterwards, so dumping a
+    // large tree does not keep every text in memory.
+    void WriteDump(CItemTextDumpWriter& writer) override;
 
 private:
     CItemRecords* m_Records;

@@ -15,8 +15,6 @@ using namespace ItemRecordFormat;
 
 namespace
 {
-constexpr uint32_t NewFolderFields = CaptionField | AttributesField | ChildListField;
-constexpr uint32_t NewNoteFields = CaptionField | AttributesField | RichTextField;
 
 uint32_t FieldsOfChange(EItemChange change)
 {

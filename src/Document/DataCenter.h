@@ -7,6 +7,7 @@
 // flushes the file once at its end. Each editing call below (add, delete, move) is such a save.
 // Every user-visible failure is logged once and shown in a message box with a language text.
 #include "Document/FileTimes.h"
+#include "Document/Import/ImportTarget.h"
 #include "Document/ItemRecords.h"
 #include "Document/ItemTreeHost.h"
 #include "Shared/Base/File.h"
@@ -36,7 +37,7 @@ struct SBackupSettings
     int deleteOldBackupDays = 0; // 0 keeps every backup
 };
 
-class CDataCenter : public IItemTreeHost
+class CDataCenter : public IItemTreeHost, public IImportTarget
 {
 public:
     static constexpr uint32_t CacheTotalLimit = 10000000;
@@ -77,6 +78,9 @@ public:
     // whole subtree are deleted.
     bool DeleteItem(CItem& item);
     bool MoveItem(CItem& item, CFolderBase& newParent);
+    // IImportTarget: the imported items are added and stored in one save; when a record cannot
+    // be created or the save fails, what was added is deleted again.
+    bool AddItems(CFolderBase& parent, std::vector<SImportItem>& items) override;
     // Remembers fields of an item for the next save (a note's edited text: the text field).
     void MarkChanged(const CItem& item, uint32_t fieldMask);
     bool HasPendingChanges() const { return !m_Pending.empty(); }
@@ -110,6 +114,8 @@ private:
     bool WritePending();
     bool Flush();
     bool SaveNow(CItem& item, uint32_t fieldMask);
+    bool AddImported(CFolderBase& parent, SImportItem& item);
+    static void UnloadNoteTexts(CItem& item);
     void DeleteRecords(CItem& item);
     void ForgetPending(const CItem& item);
     bool DeleteExistingTarget(const std::u16string& path);

@@ -39,6 +39,9 @@ constexpr uint16_t SyncSettingsField = 8; // folders
 constexpr uint16_t PreviewTextField = 8;  // notes
 constexpr uint16_t RichTextField = 16;    // notes
 constexpr uint16_t AlarmsField = 32;
+// The fields a new item's first save writes.
+constexpr uint32_t NewFolderFields = CaptionField | AttributesField | ChildListField;
+constexpr uint32_t NewNoteFields = CaptionField | AttributesField | RichTextField;
 
 // Growth reserves in percent when each field is written.
 constexpr int CaptionReserve = 50;

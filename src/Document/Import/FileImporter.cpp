@@ -51,7 +51,7 @@ bool CFileImporter::Import(const std::vector<std::u16string>& paths, IImportTarg
                            CFolderBase& parent)
 {
     std::vector<SImportItem> items;
-    return Read(paths, items) && AddImportItems(items, target, parent);
+    return Read(paths, items) && target.AddItems(parent, items);
 }
 
 bool CFileImporter::Read(const std::vector<std::u16string>& paths, std::vector<SImportItem>& items)

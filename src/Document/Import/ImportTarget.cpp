@@ -15,20 +15,3 @@ SImportItem SImportItem::Note(std::u16string caption, CRichTextDocument text)
     item.text = std::move(text);
     return item;
 }
-
-bool AddImportItems(std::vector<SImportItem>& items, IImportTarget& target, CFolderBase& parent)
-{
-    for (SImportItem& item : items)
-    {
-        if (!item.isFolder)
-        {
-            if (!target.AddNote(parent, item.caption, std::move(item.text)))
-                return false;
-            continue;
-        }
-        CFolderBase* folder = target.AddFolder(parent, item.caption);
-        if (folder == nullptr || !AddImportItems(item.children, target, *folder))
-            return false;
-    }
-    return true;
-}

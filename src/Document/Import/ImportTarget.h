@@ -1,8 +1,8 @@
 #pragma once
 // Where imported folders and notes go. Importers first read their whole input into a tree of
 // SImportItem, so that input they cannot read adds nothing; only then do they hand the tree to
-// the target, which the data center implements on the document (and CMemImportTarget on
-// in-memory items).
+// the target, which adds all of it or nothing: the data center on the document, and
+// CMemImportTarget on in-memory items.
 #include "Shared/RichText/RichTextDocument.h"
 
 #include <string>
@@ -26,12 +26,7 @@ class IImportTarget
 {
 public:
     virtual ~IImportTarget() = default;
-    // The new folder, appended to `parent`'s children; null after the target logged why not.
-    virtual CFolderBase* AddFolder(CFolderBase& parent, const std::u16string& caption) = 0;
-    // Appends a note; false after the target logged why not.
-    virtual bool AddNote(CFolderBase& parent, const std::u16string& caption, CRichTextDocument text) = 0;
+    // Appends `items` (their texts are moved out) to `parent`'s children, in order and with their
+    // subtrees; either all of them or, after a log line, none.
+    virtual bool AddItems(CFolderBase& parent, std::vector<SImportItem>& items) = 0;
 };
-
-// Adds `items` under `parent` in order, depth first. Stops at the first refusal of the target
-// and returns false (what was added until then stays).
-bool AddImportItems(std::vector<SImportItem>& items, IImportTarget& target, CFolderBase& parent);

@@ -6,14 +6,15 @@
 #include "Shared/RichText/RtfReader.h"
 
 #include <algorithm>
-#include <memory>
+#include <map>
 #include <new>
 
 namespace
 {
 constexpr std::string_view EndOfImage = "##END_IMAGE##";
-// Position of the "plain text only" flag in a folder's FL= flags string.
+// The "plain text only" flag of a folder's FL= flags string, which counts only when complete.
 constexpr size_t PlainTextFlag = 5;
+constexpr size_t FlagsLength = 24;
 constexpr int MaxNodeDepth = 256;
 
 struct SKntSyntaxError
@@ -21,13 +22,21 @@ struct SKntSyntaxError
     std::u16string reason;
 };
 
+// The text of a note as stored: RTF, or plain text lines with their ';' marks.
+struct SKntBody
+{
+    std::string text;
+    bool plain = false;
+};
+
 // A node as read, before the tree is known.
 struct SKntNode
 {
     int level = 0;
-    std::u16string caption;
-    std::string body;
-    bool hasBody = false;
+    std::u16string caption; // 1.x/2.x
+    SKntBody body;          // 1.x/2.x
+    std::string noteId;     // 3.x: the note shown ("GI", else the node's own "gi")
+    std::string nodeId;
 };
 
 struct SKntFolder
@@ -39,13 +48,22 @@ struct SKntFolder
     std::vector<SKntNode> nodes;
 };
 
+// 3.x: a note listed before the folders, with the texts of its entries.
+struct SKntNote
+{
+    std::u16string caption;
+    std::vector<SKntBody> entries;
+};
+
 enum class ESection
 {
     Header,
     Folder,
     Node,
+    Note,  // 3.x
+    Entry, // 3.x
     Body,
-    Ignored, // bookmarks, storage and image lists
+    Ignored, // tags, bookmarks, storage and image lists
     Images
 };
 
@@ -87,7 +105,7 @@ private:
         return line;
     }
 
-    static void CheckHeader(std::string_view line)
+    void CheckHeader(std::string_view line)
     {
         if (line.starts_with("\xEF\xBB\xBF"))
             line.remove_prefix(3);
@@ -96,14 +114,17 @@ private:
         if (!line.starts_with("#!GFKNT"))
             throw SKntSyntaxError{u"it is encrypted or compressed, which is not supported"};
         const std::string_view version = line.substr(std::min<size_t>(8, line.size()));
-        if (!version.starts_with("1.") && !version.starts_with("2."))
+        if (version.starts_with("3."))
+            m_NewerLayout = true;
+        else if (!version.starts_with("1.") && !version.starts_with("2."))
             throw SKntSyntaxError{u"its layout version " + Cp1252ToUtf16(version.substr(0, 16)) +
-                                  u" is not supported (only 1.x and 2.x files can be imported)"};
+                                  u" is not supported (files of versions 1, 2 and 3 can be imported)"};
     }
 
     static bool IsMarker(std::string_view line)
     {
-        static constexpr std::string_view Markers[] = {"%", "%+", "%-", "%:", "%%", "%S", "%I", "%EI", "%BK"};
+        static constexpr std::string_view Markers[] = {"%",  "%+", "%-", "%:",  "%>",  "%%", "%*",
+                                                       "%.", "%S", "%I", "%EI", "%BK", "%TG"};
         return std::find(std::begin(Markers), std::end(Markers), line) != std::end(Markers);
     }
 
@@ -127,14 +148,19 @@ private:
         case ESection::Node:
             HandleNodeData(line);
             break;
+        case ESection::Note:
+            HandleNoteData(line);
+            break;
         case ESection::Images:
             if (line.starts_with("EI="))
                 SkipImage();
             break;
         case ESection::Header:
-            if (!line.empty() && line[0] != '#')
+            // The 3.x layout counts its notes on a line of its own before listing them.
+            if (!line.empty() && line[0] != '#' && !(m_NewerLayout && line.starts_with("N:=")))
                 throw SKntSyntaxError{FormatText(u"line %d lies outside any folder", m_LineNumber)};
             break;
+        case ESection::Entry:
         case ESection::Ignored:
             break;
         }
@@ -145,45 +171,83 @@ private:
         FinishBody();
         if (marker == "%+" || marker == "%")
         {
+            if (m_NewerLayout && marker == "%")
+                throw SKntSyntaxError{
+                    FormatText(u"line %d holds a simple folder, which the 3.x layout has not", m_LineNumber)};
             m_Folders.emplace_back();
             m_Folders.back().isTree = marker == "%+";
             m_Section = ESection::Folder;
         }
         else if (marker == "%-")
+            StartNode();
+        else if (marker == "%*" && m_NewerLayout)
         {
-            if (m_Folders.empty() || !m_Folders.back().isTree)
-                throw SKntSyntaxError{
-                    FormatText(u"the node at line %d lies outside a tree folder", m_LineNumber)};
-            m_Folders.back().nodes.emplace_back();
-            m_Section = ESection::Node;
+            m_Notes.emplace_back();
+            m_Section = ESection::Note;
         }
-        else if (marker == "%:")
-            StartBody();
+        else if (marker == "%." && m_NewerLayout)
+        {
+            if (m_Notes.empty() || !m_Folders.empty())
+                throw SKntSyntaxError{FormatText(u"the entry at line %d belongs to no note", m_LineNumber)};
+            m_Section = ESection::Entry;
+        }
+        else if (marker == "%:" || marker == "%>")
+            StartBody(marker == "%>");
         else if (marker == "%%")
             m_Ended = true;
         else
             m_Section = marker == "%EI" ? ESection::Images : ESection::Ignored;
     }
 
-    void StartBody()
+    void StartNode()
     {
-        if (m_Section == ESection::Node)
-            m_Folders.back().nodes.back().hasBody = true;
-        else if (m_Section == ESection::Folder && m_Folders.back().isTree)
+        if (m_Folders.empty() || !m_Folders.back().isTree)
+            throw SKntSyntaxError{
+                FormatText(u"the node at line %d lies outside a tree folder", m_LineNumber)};
+        std::vector<SKntNode>& nodes = m_Folders.back().nodes;
+        nodes.emplace_back();
+        // A 3.x node without a level stands at the level of the node before it.
+        if (nodes.size() > 1)
+            nodes.back().level = nodes[nodes.size() - 2].level;
+        m_Section = ESection::Node;
+    }
+
+    void StartBody(bool plain)
+    {
+        const bool allowed = m_NewerLayout
+                                 ? m_Section == ESection::Entry
+                                 : (m_Section == ESection::Node || m_Section == ESection::Folder) && !plain;
+        if (!allowed)
+            throw SKntSyntaxError{FormatText(u"the text at line %d belongs to no note", m_LineNumber)};
+        if (m_Section == ESection::Folder && m_Folders.back().isTree)
         {
             m_Section = ESection::Ignored; // a tree folder keeps its text in its nodes
             return;
         }
-        else if (m_Section != ESection::Folder)
-            throw SKntSyntaxError{FormatText(u"the text at line %d belongs to no note", m_LineNumber)};
+        if (m_Section == ESection::Node)
+            m_Folders.back().nodes.back().body.plain = m_Folders.back().plainText;
+        else if (m_Section == ESection::Entry)
+            m_Notes.back().entries.push_back({std::string(), plain});
         m_BodyOwner = m_Section;
         m_Section = ESection::Body;
     }
 
+    std::string& BodyText()
+    {
+        switch (m_BodyOwner)
+        {
+        case ESection::Node:
+            return m_Folders.back().nodes.back().body.text;
+        case ESection::Entry:
+            return m_Notes.back().entries.back().text;
+        default:
+            return m_Folders.back().body;
+        }
+    }
+
     void AppendBodyLine(std::string_view line)
     {
-        std::string& body =
-            m_BodyOwner == ESection::Node ? m_Folders.back().nodes.back().body : m_Folders.back().body;
+        std::string& body = BodyText();
         body.append(line);
         body.append("\r\n");
     }
@@ -200,7 +264,7 @@ private:
         SKntFolder& folder = m_Folders.back();
         if (line.starts_with("NN="))
             folder.caption = DecodeCaption(line.substr(3));
-        else if (line.starts_with("FL=") && line.size() > 3 + PlainTextFlag)
+        else if (line.starts_with("FL=") && line.size() >= 3 + FlagsLength)
             folder.plainText = line[3 + PlainTextFlag] == '1';
     }
 
@@ -211,6 +275,18 @@ private:
             node.caption = DecodeCaption(line.substr(3));
         else if (line.starts_with("LV="))
             node.level = ParseLevel(line.substr(3));
+        else if (line.starts_with("GI="))
+            node.noteId = line.substr(3);
+        else if (line.starts_with("gi="))
+            node.nodeId = line.substr(3);
+    }
+
+    void HandleNoteData(std::string_view line)
+    {
+        if (line.starts_with("ND="))
+            m_Notes.back().caption = DecodeCaption(line.substr(3));
+        else if (line.starts_with("GI="))
+            m_NoteIndex[std::string(line.substr(3))] = m_Notes.size() - 1;
     }
 
     int ParseLevel(std::string_view digits) const
@@ -237,6 +313,31 @@ private:
     }
 
     // ---- conversion -----------------------------------------------------------------------
+
+    // A node's caption and text, from the node itself (1.x/2.x) or from the note it names (3.x).
+    struct SNodeContent
+    {
+        std::u16string caption;
+        CRichTextDocument text;
+    };
+
+    SNodeContent NodeContent(const SKntNode& node, const SKntFolder& folder)
+    {
+        if (!m_NewerLayout)
+            return {node.caption, ConvertBody(node.body.text, folder.plainText)};
+        const auto found = m_NoteIndex.find(node.noteId.empty() ? node.nodeId : node.noteId);
+        if (found == m_NoteIndex.end())
+            throw SKntSyntaxError{u"a node names a note the file does not hold"};
+        const SKntNote& note = m_Notes[found->second];
+        SNodeContent content{note.caption, CRichTextDocument()};
+        for (const SKntBody& entry : note.entries)
+        {
+            const CRichTextDocument text = ConvertBody(entry.text, entry.plain);
+            for (const CRtfTextLine& line : text.Lines())
+                content.text.AppendLine(line);
+        }
+        return content;
+    }
 
     SImportItem ConvertFolder(SKntFolder& folder)
     {
@@ -274,26 +375,25 @@ private:
     {
         while (next < folder.nodes.size() && folder.nodes[next].level >= level)
         {
-            SKntNode& node = folder.nodes[next++];
-            CRichTextDocument text = ConvertBody(node.body, folder.plainText);
+            SNodeContent content = NodeContent(folder.nodes[next++], folder);
             if (next >= folder.nodes.size() || folder.nodes[next].level <= level)
             {
-                out.push_back(SImportItem::Note(node.caption, std::move(text)));
+                out.push_back(SImportItem::Note(std::move(content.caption), std::move(content.text)));
                 continue;
             }
-            SImportItem parent = SImportItem::Folder(node.caption);
-            if (!text.IsEmpty())
-                parent.children.push_back(SImportItem::Note(node.caption, std::move(text)));
+            SImportItem parent = SImportItem::Folder(content.caption);
+            if (!content.text.IsEmpty())
+                parent.children.push_back(SImportItem::Note(content.caption, std::move(content.text)));
             AddNodes(folder, next, level + 1, parent.children);
             out.push_back(std::move(parent));
         }
     }
 
-    CRichTextDocument ConvertBody(std::string_view body, bool plainFolder)
+    CRichTextDocument ConvertBody(std::string_view body, bool plainText)
     {
         CRichTextDocument text;
         const size_t start = body.find_first_not_of(" \r\n");
-        if (!plainFolder && start != std::string_view::npos && body.substr(start).starts_with("{\\rtf"))
+        if (!plainText && start != std::string_view::npos && body.substr(start).starts_with("{\\rtf"))
         {
             std::u16string failure;
             if (!ReadRtf(body, m_DefaultFont, text, &failure))
@@ -329,10 +429,13 @@ private:
     size_t m_Pos = 0;
     int m_LineNumber = 0;
     bool m_Ended = false;
+    bool m_NewerLayout = false;
     const SFontDescription& m_DefaultFont;
     ESection m_Section = ESection::Header;
     ESection m_BodyOwner = ESection::Node;
     std::vector<SKntFolder> m_Folders;
+    std::vector<SKntNote> m_Notes;
+    std::map<std::string, size_t> m_NoteIndex; // 3.x note ID -> index in m_Notes
 };
 } // namespace
 
@@ -361,5 +464,5 @@ bool ImportKntFile(std::string_view bytes, const std::u16string& fileName,
                    const SFontDescription& defaultFont, IImportTarget& target, CFolderBase& parent)
 {
     std::vector<SImportItem> items;
-    return ParseKntFile(bytes, fileName, defaultFont, items) && AddImportItems(items, target, parent);
+    return ParseKntFile(bytes, fileName, defaultFont, items) && target.AddItems(parent, items);
 }

@@ -1,8 +1,10 @@
 #pragma once
-// Import of KeyNote ".knt" files (the 1.x and 2.x text layout): each folder of the file becomes a
-// folder, each tree node a note; a node with child nodes becomes a folder holding a note of the
-// same caption with the node's text (when it has any) before its children. Simple folders
-// become a folder with one note. Files in the 3.x layout and encrypted files are refused.
+// Import of KeyNote ".knt" files, in the 1.x/2.x text layout (folders holding their nodes and
+// texts) and in the 3.x layout (the notes with their texts listed first, then the folders whose
+// nodes name them): each folder of the file becomes a folder, each tree node a note; a node with
+// child nodes becomes a folder holding a note of the same caption with the node's text (when it
+// has any) before its children. Simple folders become a folder with one note. Encrypted files,
+// and files holding encrypted parts, are refused.
 #include "Document/Import/ImportTarget.h"
 
 #include <string>
@@ -17,6 +19,6 @@ struct SFontDescription;
 bool ParseKntFile(std::string_view bytes, const std::u16string& fileName, const SFontDescription& defaultFont,
                   std::vector<SImportItem>& items);
 
-// Parses and then adds the file's folders under `parent`.
+// Parses and then adds the file's folders under `parent`, all or nothing.
 bool ImportKntFile(std::string_view bytes, const std::u16string& fileName,
                    const SFontDescription& defaultFont, IImportTarget& target, CFolderBase& parent);

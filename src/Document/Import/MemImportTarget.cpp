@@ -3,18 +3,21 @@
 #include "Document/MemFolder.h"
 #include "Document/MemNote.h"
 
-CFolderBase* CMemImportTarget::AddFolder(CFolderBase& parent, const std::u16string& caption)
+bool CMemImportTarget::AddItems(CFolderBase& parent, std::vector<SImportItem>& items)
 {
-    auto folder = std::make_unique<CMemFolder>();
-    folder->SetCaption(caption);
-    return static_cast<CFolderBase*>(parent.AddChild(std::move(folder)));
-}
-
-bool CMemImportTarget::AddNote(CFolderBase& parent, const std::u16string& caption, CRichTextDocument text)
-{
-    auto note = std::make_unique<CMemNote>();
-    note->SetCaption(caption);
-    *note->GetRichText() = std::move(text);
-    parent.AddChild(std::move(note));
+    for (SImportItem& item : items)
+    {
+        if (item.isFolder)
+        {
+            auto folder = std::make_unique<CMemFolder>();
+            folder->SetCaption(item.caption);
+            AddItems(*static_cast<CFolderBase*>(parent.AddChild(std::move(folder))), item.children);
+            continue;
+        }
+        auto note = std::make_unique<CMemNote>();
+        note->SetCaption(item.caption);
+        *note->GetRichText() = std::move(item.text);
+        parent.AddChild(std::move(note));
+    }
     return true;
 }

@@ -1,10 +1,10 @@
 #pragma once
-// The import target over in-memory items: folders become CMemFolder, notes CMemNote.
+// The import target over in-memory items: folders become CMemFolder, notes CMemNote. Adding to
+// memory cannot fail halfway.
 #include "Document/Import/ImportTarget.h"
 
 class CMemImportTarget : public IImportTarget
 {
 public:
-    CFolderBase* AddFolder(CFolderBase& parent, const std::u16string& caption) override;
-    bool AddNote(CFolderBase& parent, const std::u16string& caption, CRichTextDocument text) override;
+    bool AddItems(CFolderBase& parent, std::vector<SImportItem>& items) override;
 };

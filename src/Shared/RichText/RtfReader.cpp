@@ -41,6 +41,7 @@ struct SCharFormat
     bool bold = false;
     bool italic = false;
     bool underline = false;
+    bool hidden = false; // \v: text the reader leaves out
     int textColour = -1; // colour table index; -1: default
     int backColour = -1;
 };
@@ -177,6 +178,11 @@ private:
         size_t end = m_Pos + 1;
         while (end < m_In.size() && IsPlainTextUnit(m_In[end]))
             ++end;
+        if (State().format.hidden)
+        {
+            m_Pos = end;
+            return;
+        }
         PrepareFormat();
         const size_t at = m_LineText.size();
         m_LineText.resize(at + (end - m_Pos));
@@ -441,6 +447,9 @@ private:
         case ERtfKeyword::UnderlineNone:
             format.underline = false;
             break;
+        case ERtfKeyword::Hidden:
+            format.hidden = on;
+            break;
         case ERtfKeyword::Font:
             if (state.destination != EDestination::Text)
                 return false; // a font table entry's number
@@ -670,6 +679,8 @@ private:
         switch (State().destination)
         {
         case EDestination::Text:
+            if (State().format.hidden)
+                break;
             PrepareFormat();
             m_LineText += text;
             break;

@@ -1,7 +1,8 @@
 #pragma once
 // The RTF reader, for importing RTF files and notes of other programs into the rich text model.
 // It understands groups and destinations, the font and colour tables, character formats (font,
-// size, bold, italic, underline, text and background colour), paragraph alignment, tabs,
+// size, bold, italic, underline, text and background colour), hidden text (left out), paragraph
+// alignment, tabs,
 // Unicode characters with their fallback text, 8-bit text in the document's code pages and
 // pictures; every other destination is skipped.
 #include "Shared/RichText/RichTextDocument.h"

@@ -2,9 +2,10 @@
 // Decodes the 8-bit text of an RTF file (\'hh escapes and raw bytes above 0x7F) in the code page
 // in force: the document's \ansicpg, a font's \fcharset or a group's \cpg. Windows-1252 is
 // decoded directly because nearly every file uses it; other code pages go through the C
-// library's iconv, one converter per code page, opened on first use.
-#include <cstdint>
-#include <map>
+// library's iconv (CCodePageConverter).
+#include "Shared/Base/CodePageConverter.h"
+
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -12,11 +13,6 @@ class CRtfCodePageDecoder
 {
 public:
     static constexpr int WesternCodePage = 1252;
-
-    CRtfCodePageDecoder() = default;
-    ~CRtfCodePageDecoder();
-    CRtfCodePageDecoder(const CRtfCodePageDecoder&) = delete;
-    CRtfCodePageDecoder& operator=(const CRtfCodePageDecoder&) = delete;
 
     // Appends the decoded `bytes` to `out`. A code page the C library does not know is decoded
     // as Windows-1252 after one warning line; bytes invalid in the code page become U+FFFD.
@@ -27,9 +23,6 @@ public:
     static int CodePageOfCharset(int charset);
 
 private:
-    // Null when the code page is unknown to the C library.
-    void* Converter(int codePage);
-    bool DecodeWithConverter(void* converter, std::string_view bytes, std::u16string& out);
-
-    std::map<int, void*> m_Converters;
+    CCodePageConverter m_Converter;
+    std::set<int> m_Unknown;
 };

@@ -125,6 +125,7 @@ constexpr std::array Entries = std::to_array<SEntry>({
     {"ulw", K::Underline},
     {"ulwave", K::Underline},
     {"userprops", K::SkippedDestination},
+    {"v", K::Hidden},
     {"wbitmap", K::OtherPictureFormat},
     {"wmetafile", K::OtherPictureFormat},
     {"xe", K::SkippedDestination},

@@ -31,6 +31,7 @@ enum class ERtfKeyword : uint8_t
     Italic,
     Underline,
     UnderlineNone,
+    Hidden,
     Font,
     FontSize,
     TextColour,

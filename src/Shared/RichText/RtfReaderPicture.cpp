@@ -1,6 +1,7 @@
 #include "Shared/RichText/RtfReaderPicture.h"
 
 #include "Shared/Log/Log.h"
+#include "Shared/RichText/JpegDecoder.h"
 #include "Shared/RichText/RtfReaderInflate.h"
 
 #include <algorithm>
@@ -26,7 +27,8 @@ struct SPngImage
     uint32_t height = 0;
     uint8_t bitDepth = 0;
     uint8_t colourType = 0;
-    std::string palette; // RGB triples
+    bool interlaced = false; // Adam7
+    std::string palette;     // RGB triples
     std::string compressed;
 
     uint32_t Channels() const
@@ -73,8 +75,9 @@ bool ReadPngChunks(std::string_view data, SPngImage& image)
         at += 12 + size_t(length);
         if (type == "IHDR")
         {
-            if (length < 13 || body[12] != 0 || body[10] != 0 || body[11] != 0) // interlaced: refused
+            if (length < 13 || body[10] != 0 || body[11] != 0 || (body[12] != 0 && body[12] != 1))
                 return false;
+            image.interlaced = body[12] == 1;
             image.width = BigEndian32(body, 0);
             image.height = BigEndian32(body, 4);
             image.bitDepth = uint8_t(body[8]);
@@ -172,35 +175,73 @@ void PixelColour(const uint8_t* row, const SPngImage& image, uint32_t x, uint8_t
         rgb[c] = uint8_t((rgb[c] * alpha + 255 * (255 - alpha)) / 255);
 }
 
-// A 24-bit bottom-up packed bitmap of the decoded rows.
-CDIBitmap ToBitmap(const std::vector<uint8_t>& raw, const SPngImage& image)
+SRgbImage ToRgbImage(const std::vector<uint8_t>& raw, const SPngImage& image)
 {
-    SDIBitmapHeader header;
-    header.width = int32_t(image.width);
-    header.height = int32_t(image.height);
-    header.bitCount = 24;
-    header.sizeImage = uint32_t(header.PixelDataSize());
-    std::vector<uint8_t> packed(size_t(header.PackedSize()), 0);
-    header.ToBytes(
-        std::span<uint8_t, SDIBitmapHeader::StoredSize>(packed.data(), SDIBitmapHeader::StoredSize));
+    SRgbImage rgb;
+    rgb.width = image.width;
+    rgb.height = image.height;
+    rgb.rgb.resize(size_t(image.width) * image.height * 3);
     const size_t stride = size_t(image.RowBytes()) + 1;
-    const size_t dibRow = size_t(header.RowBytes());
+    uint8_t* out = rgb.rgb.data();
     for (uint32_t y = 0; y < image.height; ++y)
     {
         const uint8_t* row = raw.data() + y * stride + 1;
-        uint8_t* target = packed.data() + SDIBitmapHeader::StoredSize + (image.height - 1 - y) * dibRow;
-        for (uint32_t x = 0; x < image.width; ++x)
-        {
-            uint8_t rgb[3];
-            PixelColour(row, image, x, rgb);
-            target[3 * x] = rgb[2];
-            target[3 * x + 1] = rgb[1];
-            target[3 * x + 2] = rgb[0];
-        }
+        for (uint32_t x = 0; x < image.width; ++x, out += 3)
+            PixelColour(row, image, x, out);
     }
-    CDIBitmap bitmap;
-    bitmap.SetPacked(std::move(packed));
-    return bitmap;
+    return rgb;
+}
+
+// The seven passes of an interlaced picture: first column, first row, column step, row step.
+constexpr uint32_t Adam7[7][4] = {{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4},
+                                  {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}};
+
+// The pixels one pass holds, as a picture of their own (no columns or rows when the picture is
+// too small for the pass).
+SPngImage PassImage(const SPngImage& image, const uint32_t pass[4])
+{
+    SPngImage sub;
+    sub.width = image.width > pass[0] ? (image.width - pass[0] + pass[2] - 1) / pass[2] : 0;
+    sub.height = image.height > pass[1] ? (image.height - pass[1] + pass[3] - 1) / pass[3] : 0;
+    sub.bitDepth = image.bitDepth;
+    sub.colourType = image.colourType;
+    sub.palette = image.palette;
+    return sub;
+}
+
+uint64_t PassBytes(const SPngImage& pass)
+{
+    return pass.width == 0 ? 0 : (pass.RowBytes() + 1) * pass.height;
+}
+
+// Each pass is filtered on its own; its pixels are then put in their places.
+std::optional<SRgbImage> DeinterlacedImage(const std::vector<uint8_t>& raw, const SPngImage& image)
+{
+    SRgbImage rgb;
+    rgb.width = image.width;
+    rgb.height = image.height;
+    rgb.rgb.resize(size_t(image.width) * image.height * 3);
+    size_t offset = 0;
+    for (const auto& pass : Adam7)
+    {
+        const SPngImage sub = PassImage(image, pass);
+        const size_t size = size_t(PassBytes(sub));
+        if (size == 0)
+            continue;
+        std::vector<uint8_t> part(raw.begin() + std::ptrdiff_t(offset),
+                                  raw.begin() + std::ptrdiff_t(offset + size));
+        offset += size;
+        if (!Unfilter(part, sub))
+            return std::nullopt;
+        const size_t stride = size_t(sub.RowBytes()) + 1;
+        for (uint32_t y = 0; y < sub.height; ++y)
+            for (uint32_t x = 0; x < sub.width; ++x)
+            {
+                const size_t at = (size_t(pass[1] + y * pass[3]) * image.width + pass[0] + x * pass[2]) * 3;
+                PixelColour(part.data() + y * stride + 1, sub, x, rgb.rgb.data() + at);
+            }
+    }
+    return rgb;
 }
 
 std::optional<CDIBitmap> TakePackedDib(std::string_view data)
@@ -227,14 +268,26 @@ std::optional<CDIBitmap> DecodePngToBitmap(std::string_view data)
     SPngImage image;
     if (!ReadPngChunks(data, image))
         return std::nullopt;
-    const uint64_t rawSize = (image.RowBytes() + 1) * image.height;
+    uint64_t rawSize = PassBytes(image);
+    if (image.interlaced)
+    {
+        rawSize = 0;
+        for (const auto& pass : Adam7)
+            rawSize += PassBytes(PassImage(image, pass));
+    }
     if (rawSize > MaxInflateRatio * image.compressed.size() + 1024)
         return std::nullopt;
     std::vector<uint8_t> raw;
-    if (!InflateZlib(image.compressed, size_t(rawSize), raw) || raw.size() != rawSize ||
-        !Unfilter(raw, image))
+    if (!InflateZlib(image.compressed, size_t(rawSize), raw) || raw.size() != rawSize)
         return std::nullopt;
-    return ToBitmap(raw, image);
+    if (image.interlaced)
+    {
+        const std::optional<SRgbImage> rgb = DeinterlacedImage(raw, image);
+        return rgb ? std::optional<CDIBitmap>(RgbImageToBitmap(*rgb)) : std::nullopt;
+    }
+    if (!Unfilter(raw, image))
+        return std::nullopt;
+    return RgbImageToBitmap(ToRgbImage(raw, image));
 }
 
 std::optional<CDIBitmap> ConvertRtfPicture(ERtfPictureFormat format, std::string_view data)
@@ -249,9 +302,17 @@ std::optional<CDIBitmap> ConvertRtfPicture(ERtfPictureFormat format, std::string
         bitmap = DecodePngToBitmap(data);
         break;
     case ERtfPictureFormat::Jpeg:
-        LogMessage(u"Warning: RTF picture skipped, JPEG pictures are not converted (%d bytes)",
-                   static_cast<long long>(data.size()));
-        return std::nullopt;
+    {
+        SRgbImage image;
+        std::u16string failure;
+        if (!DecodeJpeg(data, image, failure))
+        {
+            LogMessage(u"Warning: RTF picture skipped, its JPEG data cannot be decoded: %s (%d bytes)",
+                       failure, static_cast<long long>(data.size()));
+            return std::nullopt;
+        }
+        return RgbImageToBitmap(image);
+    }
     default:
         LogMessage(u"Warning: RTF picture skipped, its format is not supported (%d bytes)",
                    static_cast<long long>(data.size()));

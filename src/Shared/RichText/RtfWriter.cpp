@@ -262,3 +262,21 @@ std::u16string ToRtf(const CRichTextDocument& document, const SFontDescription& 
 {
     return CRtfWriter(document, defaultFont).Write();
 }
+
+std::string RtfTextToBytes(std::u16string_view rtf)
+{
+    std::string bytes;
+    bytes.reserve(rtf.size());
+    for (const char16_t unit : rtf)
+    {
+        if (unit < 0x100)
+        {
+            bytes.push_back(static_cast<char>(unit));
+            continue;
+        }
+        bytes += "\\u";
+        bytes += std::to_string(static_cast<int16_t>(unit));
+        bytes.push_back('?');
+    }
+    return bytes;
+}

@@ -119,30 +119,26 @@ TEST(ImportFilesTest, DeeplyNestedFoldersAreRefused)
     EXPECT_EQ(0u, root.GetChildCount());
 }
 
-// A target that refuses the third item it is given.
-class CRefusingTarget : public CMemImportTarget
+// A target that refuses everything, as the document does when it cannot store the items.
+class CRefusingTarget : public IImportTarget
 {
 public:
-    CFolderBase* AddFolder(CFolderBase& parent, const std::u16string& caption) override
+    bool AddItems(CFolderBase&, std::vector<SImportItem>& items) override
     {
-        return ++m_Calls == 3 ? nullptr : CMemImportTarget::AddFolder(parent, caption);
+        offered = items.size();
+        return false;
     }
-    bool AddNote(CFolderBase& parent, const std::u16string& caption, CRichTextDocument text) override
-    {
-        return ++m_Calls != 3 && CMemImportTarget::AddNote(parent, caption, std::move(text));
-    }
-
-private:
-    int m_Calls = 0;
+    size_t offered = 0;
 };
 
-TEST(ImportFilesTest, TargetRefusalStopsTheHandOver)
+TEST(ImportFilesTest, TargetRefusalFailsTheImport)
 {
     CMemFileSystem fs = MakeFiles();
     CFileImporter importer(fs, Font);
     CRefusingTarget target;
     CMemFolder root;
     EXPECT_FALSE(importer.Import({u"/in/notes"}, target, root));
-    EXPECT_EQ(u"notes[a]", ChildrenOutline(root));
+    EXPECT_EQ(target.offered, 1u);
+    EXPECT_EQ(0u, root.GetChildCount());
 }
 } // namespace

@@ -230,6 +230,39 @@ TEST(RtfReaderFilesTest, PngRowFiltersAndColourTypesDecodeToBottomUpBgr)
     EXPECT_EQ(0x7F, blended->Packed()[SDIBitmapHeader::StoredSize]);
 }
 
+TEST(RtfReaderFilesTest, InterlacedPngPassesFillTheirPixels)
+{
+    // A 3x3 picture in its seven passes (three of them empty at this size); every pixel has its
+    // own colour: red 10x + y, green 100 + x, blue 200 + y.
+    const auto pixel = [](uint32_t x, uint32_t y) {
+        return std::string{char(10 * x + y), char(100 + x), char(200 + y)};
+    };
+    const std::vector<std::vector<std::pair<uint32_t, uint32_t>>> passRows = {
+        {{0, 0}}, {{2, 0}}, {{0, 2}, {2, 2}}, {{1, 0}}, {{1, 2}}, {{0, 1}, {1, 1}, {2, 1}}};
+    std::string rows;
+    for (const auto& row : passRows)
+    {
+        rows += '\0'; // no filter
+        for (const auto& [x, y] : row)
+            rows += pixel(x, y);
+    }
+    std::string png = StoredPng(3, 3, 2, 8, rows);
+    png[28] = 1; // the header's interlace method: Adam7
+    const std::optional<CDIBitmap> bitmap = DecodePngToBitmap(png);
+    ASSERT_TRUE(bitmap.has_value());
+    const SDIBitmapHeader header = bitmap->Header();
+    ASSERT_EQ(3, header.width);
+    ASSERT_EQ(3, header.height);
+    for (uint32_t y = 0; y < 3; ++y)
+        for (uint32_t x = 0; x < 3; ++x)
+        {
+            const uint8_t* bgr = bitmap->Packed().data() + 40 + (2 - y) * header.RowBytes() + 3 * x;
+            EXPECT_EQ(std::string({char(bgr[2]), char(bgr[1]), char(bgr[0])}), pixel(x, y)) << x << "," << y;
+        }
+    png.resize(png.size() - 20); // pass data cut short
+    EXPECT_FALSE(DecodePngToBitmap(png).has_value());
+}
+
 TEST(RtfReaderFilesTest, DamagedOrHostilePngIsRefused)
 {
     const std::string rows("\x00\x10\x20\x30", 4);
@@ -276,7 +309,9 @@ TEST(RtfReaderFilesTest, PicturesInRtfBecomeObjectsOrAreSkippedWithAWarning)
     EXPECT_EQ(line.Objects()[0].Picture()->Packed(), line.Objects()[2].Picture()->Packed());
     const auto messages = log.TakeMessages();
     ASSERT_EQ(2u, messages.size());
-    EXPECT_TRUE(messages[0].starts_with(u"Warning: RTF picture skipped, JPEG"));
+    EXPECT_EQ(messages[0],
+              u"Warning: RTF picture skipped, its JPEG data cannot be decoded: the data ends inside "
+              u"a marker (4 bytes)");
     EXPECT_TRUE(messages[1].starts_with(u"Warning: RTF picture skipped, its data is damaged"));
 }
 } // namespace

@@ -102,6 +102,21 @@ TEST(RtfReaderTest, RandomDocumentsWrittenByTheWriterReadBackUnchanged)
     }
 }
 
+// The bytes of an exported RTF file, non-Latin font names included, read back the same.
+TEST(RtfReaderTest, ExportedFileBytesReadBackUnchanged)
+{
+    std::mt19937 random(70);
+    SRandomDocumentOptions options;
+    options.withObjects = false;
+    for (int round = 0; round < 200; ++round)
+    {
+        const CRichTextDocument written = MakeRandomDocument(random, options);
+        CRichTextDocument read;
+        ASSERT_TRUE(ReadRtf(RtfTextToBytes(ToRtf(written, DefaultFont())), DefaultFont(), read)) << round;
+        ExpectSameContent(written, read);
+    }
+}
+
 TEST(RtfReaderTest, WriterOutputReadAsBytesKeepsFormatsAndNonAsciiText)
 {
     CRichTextDocument written;
