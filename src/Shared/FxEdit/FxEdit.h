@@ -174,10 +174,14 @@ public:
     void Untabify();
 
     // Objects at the caret.
+    bool InsertImageFromFile();
     bool InsertAttachmentFromFile();
     void InsertFileHyperlink();
     // The object at the caret (the character right of it), or null.
     const CRtfObjectInfo* ObjectAtCaret() const;
+    // The selected picture (the selection is its one character, or the caret stands before it)
+    // goes back to its bitmap's own size.
+    bool RestoreImageSize();
     bool OpenAttachment(SFxPosition position);
     bool SaveAttachmentAs(SFxPosition position);
     // Writes the attachment into the temporary folder under a free name; the path, or empty.
@@ -221,7 +225,8 @@ private:
     void SetCaretChars(SFxCharPosition caret, SFxCharPosition anchor);
     void NotifyTextChanged(bool modified);
     void Redraw() {}
-    bool CanEdit() const { return !m_ReadOnly; }
+    // Find and replace belong to the text bodies, not to the single-line fields of dialogs.
+    bool FindAllowed() const { return m_Mode == ModeRich || m_Mode == ModeAutoHeight; }
     std::u16string Translate(std::u16string_view key) const;
 
     // Editing helpers (Editing unit).

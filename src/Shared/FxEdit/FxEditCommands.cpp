@@ -171,6 +171,8 @@ int32_t CFxEdit::Replace(std::u16string_view find, std::u16string_view replace, 
 
 void CFxEdit::RunFindCommand()
 {
+    if (!FindAllowed())
+        return;
     SFxFindReplaceRequest request;
     request.findText = GetSelectedPlainText();
     if (!m_Host.RunFindReplaceDialog(request) || request.result != SFxFindReplaceRequest::FindNext)
@@ -181,6 +183,8 @@ void CFxEdit::RunFindCommand()
 
 void CFxEdit::FindNextCommand()
 {
+    if (!FindAllowed())
+        return;
     const std::u16string text = GetSelectedPlainText();
     if (text.empty())
     {
@@ -193,7 +197,7 @@ void CFxEdit::FindNextCommand()
 
 void CFxEdit::RunReplaceCommand()
 {
-    if (m_ReadOnly)
+    if (m_ReadOnly || !FindAllowed())
         return;
     SFxFindReplaceRequest request;
     request.replaceMode = true;

@@ -3,12 +3,15 @@
 #include "Shared/Base/Format.h"
 #include "Shared/FxEdit/FxEdit.h"
 #include "Shared/FxEdit/FxEditFileNames.h"
+#include "Shared/FxEdit/PictureFile.h"
 #include "Shared/LanguagesMgr/StringTemplate.h"
 #include "Shared/Log/Log.h"
 
 namespace
 {
 constexpr std::u16string_view AllFilesFilter = u"All Files (*.*)|*.*||";
+constexpr std::u16string_view ImagesFilter =
+    u"Images (*.jpg; *.jpeg; *.gif; *.bmp)|*.jpg;*.jpeg;*.gif;*.bmp||";
 
 bool WriteAttachmentData(IFileSystem& fs, const std::u16string& path, const CRtfObjectInfo& attachment,
                          int& cause)
@@ -113,6 +116,68 @@ bool CFxEdit::SaveAttachmentAs(SFxPosition position)
         m_Host.ShowMessage(text, EMsgIcon::Error);
         return false;
     }
+    return true;
+}
+
+bool CFxEdit::InsertImageFromFile()
+{
+    if (m_ReadOnly || m_Mode != ModeRich)
+        return false;
+    std::u16string path;
+    if (!m_Host.AskFileName(false, ImagesFilter, Translate(u"IMAGE_DLG_CAPTION"), path))
+        return false;
+    m_Host.SetStatusText(Translate(u"MAIN_WND_STATUS_LOADING"));
+    std::string bytes;
+    int cause = 0;
+    std::optional<CDIBitmap> picture;
+    std::u16string failure;
+    if (ReadWholeFile(m_Host.FileSystem(), path, bytes, cause))
+        picture = PictureFromImageFile(bytes, failure);
+    else
+        failure = FormatText(u"the file cannot be read, cause - %d", cause);
+    m_Host.SetStatusText(u"");
+    if (!picture)
+    {
+        LogMessage(u"Error: Cannot load image file (file path: %s): %s.", path, failure);
+        m_Host.ShowMessage(Translate(u"ERR_CANNOT_LOAD_FILE"), EMsgIcon::Error);
+        return false;
+    }
+    CRtfObjectInfo object(CRtfObjectInfo::PictureType, 0);
+    object.SetPicture(std::move(picture));
+    InsertObject(std::move(object));
+    return true;
+}
+
+bool CFxEdit::RestoreImageSize()
+{
+    if (m_ReadOnly)
+        return false;
+    const SFxCharPosition from = ToCharPosition(SelectionStart());
+    const SFxCharPosition to = ToCharPosition(SelectionEnd());
+    if (from.line != to.line || to.offset - from.offset > 1)
+        return false;
+    const COneLineInfo& line = Line(from.line);
+    const CRtfObjectInfo* object =
+        from.offset < line.Length() &&
+                line.Text()[static_cast<size_t>(from.offset)] == CRtfObjectInfo::ObjectCharacter
+            ? line.FindObject(from.offset)
+            : nullptr;
+    if (object == nullptr || !object->IsPicture() || (object->Param1() == 0 && object->Param2() == 0))
+        return false;
+    CRtfTextLine after = line.Paragraph();
+    std::vector<CRtfObjectInfo> objects = after.Objects();
+    for (CRtfObjectInfo& candidate : objects)
+        if (candidate.Position() == from.offset)
+        {
+            // Zero display sizes mean the bitmap's own.
+            candidate.SetParam1(0);
+            candidate.SetParam2(0);
+        }
+    after.SetObjects(std::move(objects));
+    std::vector<CRtfTextLine> lines;
+    lines.push_back(std::move(after));
+    ReplaceLines(from.line, 1, std::move(lines), ToCharPosition(m_Caret), ToCharPosition(m_Anchor),
+                 Translate(u"EDITCTL_UNDO_REPLACEMENT"));
     return true;
 }
 

@@ -125,3 +125,19 @@ TEST_F(FxEditFind, DialogCommandsShowTheirMessages)
     edit.RunReplaceCommand();
     EXPECT_EQ(host.shownMessages.size(), 3u);
 }
+
+TEST(FxEditFindFields, SingleLineFieldsOpenNoFindDialog)
+{
+    CFxEditTestHost host;
+    CFxEdit field(host, CFxEdit::ModeSingleLine, false);
+    field.SetPlainText(u"one two");
+    host.dialogAnswer.findText = u"two";
+    host.dialogAnswer.result = SFxFindReplaceRequest::ReplaceAll;
+    field.RunReplaceCommand();
+    host.dialogAnswer.result = SFxFindReplaceRequest::FindNext;
+    field.RunFindCommand();
+    field.FindNextCommand();
+    EXPECT_EQ(field.GetPlainText(), u"one two");
+    EXPECT_TRUE(field.IsSelectionEmpty());
+    EXPECT_TRUE(host.shownMessages.empty());
+}

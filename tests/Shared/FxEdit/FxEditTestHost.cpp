@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr std::array<std::u16string_view, 14> TestStrings = {
+constexpr std::array<std::u16string_view, 17> TestStrings = {
     u"EDITCTL_UNDO=Undo",
     u"EDITCTL_REDO=Redo",
     u"EDITCTL_NO_UNDO=(nothing)",
@@ -19,6 +19,9 @@ constexpr std::array<std::u16string_view, 14> TestStrings = {
     u"EDITCTL_REPLACEMENT_INFO=^N occurrences have been replaced.",
     u"ERR_LAUNCH_FILE=Cannot launch ^fileName file.",
     u"MAIN_WND_STATUS_BUSY=Busy...",
+    u"MAIN_WND_STATUS_LOADING=Loading...",
+    u"IMAGE_DLG_CAPTION=Insert Image",
+    u"ERR_CANNOT_LOAD_FILE=Cannot load the file.",
 };
 } // namespace
 
