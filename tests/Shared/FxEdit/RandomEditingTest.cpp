@@ -12,11 +12,16 @@ namespace
 {
 using Lines = std::vector<std::u16string>;
 
-// The state after one undo quantum: the text always, the whole document when it is known.
+// The state after one undo quantum: the text always, the whole document when it is known, and
+// the caret and anchor the quantum stored before and after it.
 struct SSnapshot
 {
     Lines text;
     std::optional<CRichTextDocument> document;
+    SFxCharPosition caretBefore;
+    SFxCharPosition anchorBefore;
+    SFxCharPosition caretAfter;
+    SFxCharPosition anchorAfter;
 };
 
 class CTextModel
@@ -51,6 +56,12 @@ public:
         lines[index] += tail;
         return end;
     }
+
+    int32_t Length(int32_t line) const
+    {
+        return static_cast<int32_t>(lines[static_cast<size_t>(line)].size());
+    }
+    int32_t Count() const { return static_cast<int32_t>(lines.size()); }
 };
 
 std::vector<uint8_t> Bytes(const CRichTextDocument& document)
@@ -75,6 +86,20 @@ SFxPosition RandomPosition(const CFxEdit& edit, std::mt19937& random)
         static_cast<int32_t>(random() % static_cast<uint32_t>(edit.Line(line).LastLayoutPosition() + 1));
     return {line, pos};
 }
+
+CRichTextDocument RichPiece()
+{
+    CRichTextDocument piece;
+    CRtfTextLine first(u"ri");
+    CRtfTextBlockInfo colour(1);
+    colour.SetTextColour(0x00FF00);
+    first.AddBlock(colour);
+    piece.AppendLine(first);
+    CRtfTextLine second(u"ch");
+    second.SetAlignment(CRtfTextLine::AlignCentre);
+    piece.AppendLine(second);
+    return piece;
+}
 } // namespace
 
 TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
@@ -90,25 +115,42 @@ TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
 
     CTextModel model;
     model.lines = EditorLines(edit);
-    std::vector<SSnapshot> history{{model.lines, edit.GetDocument()}};
+    std::vector<SSnapshot> history{{model.lines, edit.GetDocument(), {}, {}, {}, {}}};
     size_t current = 0; // index of the state the editor shows
-    auto record = [&](bool documentKnown)
+    SFxCharPosition caretBefore;
+    SFxCharPosition anchorBefore;
+    // Records a quantum that ended with caret and anchor at `caret` and `anchor` (the model's
+    // expectation) and checks that the editor put them there.
+    auto record = [&](bool documentKnown, SFxCharPosition caret, SFxCharPosition anchor)
     {
         history.resize(current + 1);
-        history.push_back({model.lines, documentKnown ? std::optional(edit.GetDocument()) : std::nullopt});
+        history.push_back({model.lines, documentKnown ? std::optional(edit.GetDocument()) : std::nullopt,
+                           caretBefore, anchorBefore, caret, anchor});
         ++current;
+        caretBefore = caret;
+        anchorBefore = anchor;
     };
 
     std::mt19937 random(2024);
-    for (int step = 0; step < 4000; ++step)
+    for (int step = 0; step < 5000; ++step)
     {
         if (step % 7 == 0)
             edit.SetSelection(RandomPosition(edit, random), RandomPosition(edit, random));
         const SFxCharPosition from = edit.ToCharPosition(edit.SelectionStart());
         const SFxCharPosition to = edit.ToCharPosition(edit.SelectionEnd());
+        caretBefore = edit.ToCharPosition(edit.Caret());
+        anchorBefore = edit.ToCharPosition(edit.Anchor());
         const bool selected = from != to;
-        const Lines before = model.lines;
-        const uint32_t operation = random() % 12;
+        // Typing, Enter and insertions first delete the selection as a quantum of their own.
+        auto eraseSelection = [&]
+        {
+            if (!selected)
+                return;
+            model.Erase(from, to);
+            record(false, from, from);
+        };
+        const size_t quantaBefore = current;
+        const uint32_t operation = random() % 15;
         switch (operation)
         {
         case 0:
@@ -117,67 +159,63 @@ TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
         {
             const char16_t c = u"ab c.,x"[random() % 7];
             edit.OnChar(c);
-            if (selected)
-            {
-                model.Erase(from, to);
-                record(false);
-            }
-            model.Insert(from, std::u16string(1, c));
-            record(true);
+            eraseSelection();
+            const SFxCharPosition end = model.Insert(from, std::u16string(1, c));
+            record(true, end, end);
             break;
         }
         case 3:
+        {
             edit.Enter();
-            if (selected)
-            {
-                model.Erase(from, to);
-                record(false);
-            }
-            model.Insert(from, u"\n");
-            record(true);
+            eraseSelection();
+            const SFxCharPosition end = model.Insert(from, u"\n");
+            record(true, end, end);
             break;
+        }
         case 4:
         case 5:
         {
             const bool backspace = operation == 4;
             backspace ? edit.Backspace() : edit.Delete();
             if (selected)
+            {
                 model.Erase(from, to);
+                record(true, from, from);
+            }
             else if (backspace && (from.offset > 0 || from.line > 0))
-                model.Erase(
-                    from.offset > 0
-                        ? SFxCharPosition{from.line, from.offset - 1}
-                        : SFxCharPosition{from.line - 1,
-                                          static_cast<int32_t>(
-                                              model.lines[static_cast<size_t>(from.line - 1)].size())},
-                    from);
-            else if (!backspace && (from.offset < static_cast<int32_t>(
-                                                      model.lines[static_cast<size_t>(from.line)].size()) ||
-                                    from.line + 1 < static_cast<int32_t>(model.lines.size())))
-                model.Erase(from, from.offset < static_cast<int32_t>(
-                                                    model.lines[static_cast<size_t>(from.line)].size())
+            {
+                const SFxCharPosition left =
+                    from.offset > 0 ? SFxCharPosition{from.line, from.offset - 1}
+                                    : SFxCharPosition{from.line - 1, model.Length(from.line - 1)};
+                model.Erase(left, from);
+                record(true, left, left);
+            }
+            else if (!backspace && (from.offset < model.Length(from.line) || from.line + 1 < model.Count()))
+            {
+                model.Erase(from, from.offset < model.Length(from.line)
                                       ? SFxCharPosition{from.line, from.offset + 1}
                                       : SFxCharPosition{from.line + 1, 0});
-            if (model.lines != before)
-                record(true);
+                record(true, from, from);
+            }
             break;
         }
         case 6:
+        {
             edit.InsertText(u"pa\r\nste");
-            if (selected)
-            {
-                model.Erase(from, to);
-                record(false);
-            }
-            model.Insert(from, u"pa\nste");
-            record(true);
+            eraseSelection();
+            const SFxCharPosition end = model.Insert(from, u"pa\nste");
+            record(true, end, end);
             break;
+        }
         case 7:
         case 8:
             if (edit.Undo())
             {
                 ASSERT_GT(current, 0u);
-                model.lines = history[--current].text;
+                const SSnapshot& undone = history[current--];
+                model.lines = history[current].text;
+                ASSERT_EQ(edit.ToCharPosition(edit.Caret()), undone.caretBefore) << "step " << step;
+                ASSERT_EQ(edit.ToCharPosition(edit.Anchor()), undone.anchorBefore) << "step " << step;
             }
             else
             {
@@ -187,7 +225,10 @@ TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
         case 9:
             if (edit.Redo())
             {
-                model.lines = history[++current].text;
+                const SSnapshot& redone = history[++current];
+                model.lines = redone.text;
+                ASSERT_EQ(edit.ToCharPosition(edit.Caret()), redone.caretAfter) << "step " << step;
+                ASSERT_EQ(edit.ToCharPosition(edit.Anchor()), redone.anchorAfter) << "step " << step;
             }
             else
             {
@@ -200,20 +241,90 @@ TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
             const CRichTextDocument unchanged = edit.GetDocument();
             edit.ToggleBold();
             if (!(edit.GetDocument() == unchanged))
-                record(true);
+                record(true, caretBefore, anchorBefore);
             break;
         }
         case 11:
         {
-            const int32_t line = edit.ToCharPosition(edit.Anchor()).line;
+            const int32_t line = anchorBefore.line;
             const bool up = random() % 2 == 0;
             edit.MoveLine(up);
             const int32_t other = up ? line - 1 : line + 1;
-            if (other >= 0 && other < static_cast<int32_t>(model.lines.size()))
+            if (other >= 0 && other < model.Count())
             {
                 std::swap(model.lines[static_cast<size_t>(line)], model.lines[static_cast<size_t>(other)]);
-                record(true);
+                const SFxCharPosition moved{other, anchorBefore.offset};
+                record(true, moved, moved);
             }
+            break;
+        }
+        case 12:
+        {
+            // Indent or outdent of the selected lines; a selection ending at the start of a later
+            // non-empty line leaves that line out.
+            const bool outdent = random() % 2 == 0;
+            edit.IndentSelectedLines(outdent);
+            int32_t last = to.line;
+            if (to.line > from.line && to.offset == 0 && model.Length(to.line) > 0)
+                --last;
+            SFxCharPosition caret = caretBefore;
+            SFxCharPosition anchor = anchorBefore;
+            bool changed = false;
+            for (int32_t i = from.line; i <= last; ++i)
+            {
+                std::u16string& text = model.lines[static_cast<size_t>(i)];
+                if (outdent)
+                {
+                    if (text.empty() || text.front() != u'\t')
+                        continue;
+                    text.erase(0, 1);
+                    for (SFxCharPosition* at : {&caret, &anchor})
+                        if (at->line == i && at->offset > 0)
+                            --at->offset;
+                }
+                else
+                {
+                    text.insert(0, 1, u'\t');
+                    if (anchor.line == i)
+                        ++anchor.offset;
+                    if (caret.line == i && caret.offset > 0)
+                        ++caret.offset;
+                }
+                changed = true;
+            }
+            if (changed)
+                record(true, caret, anchor);
+            break;
+        }
+        case 13:
+        {
+            // Replace all over the whole text: one quantum per occurrence, caret on its start.
+            const int32_t count = edit.Replace(u"ab", u"xab", true, true, false);
+            int32_t expected = 0;
+            for (int32_t i = 0; i < model.Count(); ++i)
+            {
+                size_t at = 0;
+                while ((at = model.lines[static_cast<size_t>(i)].find(u"ab", at)) != std::u16string::npos)
+                {
+                    model.lines[static_cast<size_t>(i)].replace(at, 2, u"xab");
+                    const SFxCharPosition start{i, static_cast<int32_t>(at)};
+                    caretBefore = anchorBefore = start;
+                    record(false, start, start);
+                    at += 3;
+                    ++expected;
+                }
+            }
+            ASSERT_EQ(count, expected) << "step " << step;
+            if (expected > 0)
+                history[current].document = edit.GetDocument();
+            break;
+        }
+        case 14:
+        {
+            edit.InsertDocument(RichPiece());
+            eraseSelection();
+            const SFxCharPosition end = model.Insert(from, u"ri\nch");
+            record(true, end, end);
             break;
         }
         }
@@ -223,6 +334,11 @@ TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
             ASSERT_EQ(edit.GetDocument(), *history[current].document) << "step " << step;
         }
         ASSERT_EQ(edit.UndoHistory().Current() + 1, static_cast<int32_t>(current)) << "step " << step;
+        if (current > quantaBefore && operation != 7 && operation != 8 && operation != 9)
+        {
+            ASSERT_EQ(edit.ToCharPosition(edit.Caret()), history[current].caretAfter) << "step " << step;
+            ASSERT_EQ(edit.ToCharPosition(edit.Anchor()), history[current].anchorAfter) << "step " << step;
+        }
         if (step % 500 == 250)
         {
             host.width = 30 + static_cast<int32_t>(random() % 80);
@@ -239,6 +355,7 @@ TEST(FxEditRandom, EditsUndosAndRedosFollowAPlainModel)
     while (edit.Redo())
     {
     }
+    ASSERT_TRUE(history.back().document.has_value());
     EXPECT_EQ(Bytes(edit.GetDocument()), Bytes(*history.back().document));
     EXPECT_TRUE(LayoutIsConsistent(edit));
 }
