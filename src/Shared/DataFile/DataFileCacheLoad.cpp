@@ -181,11 +181,17 @@ void CDataFile::SaveCacheRecord()
     try
     {
         DropCacheRecord();
-        const std::vector<uint8_t> data =
-            DataFileCacheRecord::Serialize(*m_Deleted, *m_External, *m_Internal);
-        if (data.size() > UINT32_MAX - RecordHeaderSize)
+        std::vector<uint8_t> data;
+        DataFileCacheRecord::EPart failedPart = DataFileCacheRecord::EPart::Directory;
+        if (!DataFileCacheRecord::Serialize(*m_Deleted, *m_External, *m_Internal,
+                                            UINT32_MAX - RecordHeaderSize, data, failedPart))
         {
-            LogMessage(u"Error: Cannot serialize records cache record for %s data file.", m_Path);
+            if (failedPart == DataFileCacheRecord::EPart::External)
+                LogMessage(u"Error: Cannot serialize external records cache for %s data file.", m_Path);
+            else if (failedPart == DataFileCacheRecord::EPart::Internal)
+                LogMessage(u"Error: Cannot serialize internal records cache for %s data file.", m_Path);
+            else
+                LogMessage(u"Error: Cannot serialize records cache record for %s data file.", m_Path);
             return;
         }
         const CUInt128 id = GenerateRecordID();

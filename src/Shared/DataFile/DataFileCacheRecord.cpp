@@ -2,18 +2,21 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 using namespace DataFileFormat;
 
 namespace
 {
-void AppendCache(std::vector<uint8_t>& out, const CDataFile::CRecordsCache& cache)
+bool AppendCache(std::vector<uint8_t>& out, const CDataFile::CRecordsCache& cache, size_t maxSize)
 {
     const auto entries = cache.SortedById();
     size_t at = out.size();
     size_t size = 4;
     for (const SDFileRecordCacheEntry* e : entries)
         size += DataFileCacheRecord::CacheEntrySize + (e->data ? e->dataSize : 0);
+    if (size > maxSize - at)
+        return false;
     out.resize(at + size);
     uint8_t* p = out.data() + at;
     PutU32(p, static_cast<uint32_t>(entries.size()));
@@ -33,6 +36,7 @@ void AppendCache(std::vector<uint8_t>& out, const CDataFile::CRecordsCache& cach
             p += e->dataSize;
         }
     }
+    return true;
 }
 
 // A bounds-checked cursor over the record's bytes.
@@ -120,24 +124,38 @@ bool ExtentsTileFile(std::vector<std::pair<uint64_t, uint64_t>>& extents,
 
 namespace DataFileCacheRecord
 {
-std::vector<uint8_t> Serialize(const CDataFile::CDeletedSpaceList& deleted,
-                               const CDataFile::CRecordsCache& external,
-                               const CDataFile::CRecordsCache& internal)
+bool Serialize(const CDataFile::CDeletedSpaceList& deleted, const CDataFile::CRecordsCache& external,
+               const CDataFile::CRecordsCache& internal, size_t maxSize, std::vector<uint8_t>& out,
+               EPart& failedPart)
 {
-    const auto free = deleted.InListOrder();
-    std::vector<uint8_t> out(8 + free.size() * DeletedEntrySize);
-    PutU32(out.data(), CacheRecordFormat);
-    PutU32(out.data() + 4, static_cast<uint32_t>(free.size()));
-    uint8_t* p = out.data() + 8;
-    for (const SDeletedRecCacheEntry& e : free)
+    out.clear();
+    try
     {
-        PutU64(p, e.position);
-        PutU32(p + 8, e.size);
-        p += DeletedEntrySize;
+        failedPart = EPart::Directory;
+        const auto free = deleted.InListOrder();
+        const size_t directorySize = 8 + free.size() * DeletedEntrySize;
+        if (directorySize > maxSize)
+            return false;
+        out.resize(directorySize);
+        PutU32(out.data(), CacheRecordFormat);
+        PutU32(out.data() + 4, static_cast<uint32_t>(free.size()));
+        uint8_t* p = out.data() + 8;
+        for (const SDeletedRecCacheEntry& e : free)
+        {
+            PutU64(p, e.position);
+            PutU32(p + 8, e.size);
+            p += DeletedEntrySize;
+        }
+        failedPart = EPart::External;
+        if (!AppendCache(out, external, maxSize))
+            return false;
+        failedPart = EPart::Internal;
+        return AppendCache(out, internal, maxSize);
     }
-    AppendCache(out, external);
-    AppendCache(out, internal);
-    return out;
+    catch (const std::bad_alloc&)
+    {
+        return false;
+    }
 }
 
 EParseResult Parse(const std::vector<uint8_t>& data, const SFileBounds& bounds,

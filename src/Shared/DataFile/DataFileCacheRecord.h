@@ -15,9 +15,19 @@ namespace DataFileCacheRecord
 constexpr size_t DeletedEntrySize = 12;
 constexpr size_t CacheEntrySize = 35; // without its data
 
-std::vector<uint8_t> Serialize(const CDataFile::CDeletedSpaceList& deleted,
-                               const CDataFile::CRecordsCache& external,
-                               const CDataFile::CRecordsCache& internal);
+// The parts of the record in the order they are written.
+enum class EPart
+{
+    Directory, // version and deleted-space list
+    External,
+    Internal
+};
+
+// False when the record would grow beyond `maxSize` bytes or memory runs out; `failedPart` then
+// names the part that could not be written.
+bool Serialize(const CDataFile::CDeletedSpaceList& deleted, const CDataFile::CRecordsCache& external,
+               const CDataFile::CRecordsCache& internal, size_t maxSize, std::vector<uint8_t>& out,
+               EPart& failedPart);
 
 enum class EParseResult
 {

@@ -1,5 +1,6 @@
 // Byte layouts of the .ddb container checked against bytes computed by hand.
 #include "DataFileTestSupport.h"
+#include "Shared/DataFile/DataFileCacheRecord.h"
 #include "Shared/DataFile/DataFileCipher.h"
 #include "Shared/DataFile/DataFileHeader.h"
 
@@ -24,31 +25,6 @@ std::string Hex(const std::string& bytes, size_t offset, size_t size)
             out += ' ';
     }
     return out;
-}
-
-// The stream exactly as the file format defines it, one byte at a time.
-void ReferenceCipher(const std::vector<uint8_t>& key, uint8_t* b, uint32_t n, uint64_t p)
-{
-    const uint32_t L = static_cast<uint32_t>(key.size());
-    const uint32_t p32 = static_cast<uint32_t>(p);
-    uint32_t j = (L + 4 * p32 + n) % L;
-    uint8_t prev = key[j];
-    ++j;
-    for (uint32_t i = 0; i < n; ++i)
-    {
-        if (j >= L)
-            j = 0;
-        const uint8_t cur = key[j++];
-        uint8_t t;
-        if (i % 3 == 1)
-            t = static_cast<uint8_t>((j % 41) + p32);
-        else if (p & 1)
-            t = static_cast<uint8_t>((j & 0xFF) & cur);
-        else
-            t = static_cast<uint8_t>((n & 0xFF) | (j & 0xFF));
-        b[i] = static_cast<uint8_t>(b[i] ^ t ^ prev);
-        prev = cur;
-    }
 }
 } // namespace
 
@@ -130,6 +106,34 @@ TEST(DataFileLayout, CacheRecordBytes)
               "00 00 00 00 00 00 00 00 00 00 02 00 00 00 07 00 03 00 00 00 2B 00 00 00 E2 05 "
               "00 00 00 00 00 00 01 78 79 7A 00 00 00 00");
     EXPECT_EQ(bytes.size(), 1589u + 66);
+}
+
+TEST(DataFileLayout, CacheRecordTooLargeNamesThePartThatDidNotFit)
+{
+    SDataFileCacheBudget budget;
+    CDataFile::CDeletedSpaceList deleted;
+    CDataFile::CRecordsCache external(budget);
+    CDataFile::CRecordsCache internal(budget);
+    deleted.Add(1464, 100);
+    deleted.Add(2000, 64);
+    external.Add(CUInt128(5), 1, 1564, 60, 20);
+    internal.Add(CUInt128(7), 0, 1624, 376, 336);
+    // 8 + 2 x 12 for the directory, 4 + 35 for each cache.
+    const size_t whole = 32 + 39 + 39;
+    std::vector<uint8_t> out;
+    using DataFileCacheRecord::EPart;
+    EPart failed = EPart::Internal;
+    ASSERT_TRUE(DataFileCacheRecord::Serialize(deleted, external, internal, whole, out, failed));
+    EXPECT_EQ(out.size(), whole);
+    const std::pair<size_t, EPart> limits[] = {{whole - 1, EPart::Internal}, {32 + 39, EPart::Internal},
+                                               {32 + 38, EPart::External},   {32, EPart::External},
+                                               {31, EPart::Directory},       {0, EPart::Directory}};
+    for (const auto& [limit, part] : limits)
+    {
+        EXPECT_FALSE(DataFileCacheRecord::Serialize(deleted, external, internal, limit, out, failed))
+            << limit;
+        EXPECT_EQ(failed, part) << limit;
+    }
 }
 
 TEST(DataFileLayout, EncipheredRecordBytes)

@@ -1,13 +1,15 @@
 // Thousands of random operations checked after each step against a plain map of ID -> bytes,
-// with and without a key and with tiny cache limits. After every reopen the directory restored
-// from the cache record must equal what a scan of the file finds, and the file must always
-// parse as an unbroken chain of records.
+// with and without a key and with tiny cache limits. After every step the file's bytes, walked
+// here without the data file's own scanner, must be an unbroken chain of records holding exactly
+// the model's data; after every reopen the directory restored from the cache record must equal
+// the one a second file object builds by scanning a copy without the cache record.
 #include "DataFileTestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
 #include <random>
+#include <set>
 
 namespace
 {
@@ -61,6 +63,7 @@ public:
             else
                 ReadOne();
             CheckQueries();
+            CheckFileBytes();
             ASSERT_TRUE(m_File.IsCacheConsistentWithFile());
             if (::testing::Test::HasFatalFailure())
                 return;
@@ -175,9 +178,98 @@ private:
         m_Clock.SetStep(0);
         ASSERT_TRUE(m_File.Open(Path, m_Key));
         EXPECT_TRUE(m_File.WasCacheLoadedFromRecord());
+        CompareWithScannedCopy();
         ASSERT_TRUE(m_File.IsCacheConsistentWithFile());
         ApplyLimits();
         CheckAllData();
+    }
+
+    // Records follow one another from the header size to the end of the file, none torn, none
+    // past the end; the live ones are the model's records (plus the cache record while it is
+    // current) with their kind, type and data, deciphered at their own offset; the free blocks
+    // give the fragmentation level.
+    void CheckFileBytes()
+    {
+        const std::string& bytes = m_Fs.Bytes(Path);
+        ASSERT_GE(bytes.size(), 1464u);
+        const CUInt128 cacheRecordId = ReadId(bytes, 472);
+        uint64_t position = ReadU32(bytes, 8);
+        uint64_t freeBytes = 0;
+        size_t live = 0;
+        while (position < bytes.size())
+        {
+            ASSERT_LE(position + 40, bytes.size()) << "torn record header at " << position;
+            const CUInt128 id = ReadId(bytes, position);
+            const uint32_t state = ReadU32(bytes, position + 16);
+            const uint16_t type = static_cast<uint16_t>(ReadU32(bytes, position + 20));
+            const uint32_t dataSize = ReadU32(bytes, position + 24);
+            const uint32_t allocated = ReadU32(bytes, position + 28);
+            const uint32_t flags = ReadU32(bytes, position + 32);
+            ASSERT_LE(dataSize, allocated) << "at " << position;
+            ASSERT_LE(position + 40 + allocated, bytes.size())
+                << "record at " << position << " runs past the end";
+            if (state != 2)
+            {
+                ASSERT_EQ(flags & ~0x7FFu, 0u);
+                ASSERT_EQ((flags & 0x400) != 0, m_Key.empty()) << "live record at " << position;
+            }
+            if (state == 2)
+                freeBytes += allocated + 40;
+            else if (state == 0 && id == cacheRecordId)
+                ASSERT_EQ(type, 0);
+            else
+            {
+                const auto it = m_Model.find(id);
+                ASSERT_TRUE(it != m_Model.end()) << "unknown live record at " << position;
+                ASSERT_EQ(state, it->second.external ? 1u : 0u);
+                ASSERT_EQ(type, it->second.type);
+                std::vector<uint8_t> data(bytes.begin() + static_cast<std::ptrdiff_t>(position + 40),
+                                          bytes.begin() +
+                                              static_cast<std::ptrdiff_t>(position + 40 + dataSize));
+                if (!m_Key.empty())
+                    ReferenceCipher(m_Key, data.data(), dataSize, position + 40);
+                ASSERT_EQ(data, it->second.data) << "record at " << position;
+                ++live;
+            }
+            position += 40 + static_cast<uint64_t>(allocated);
+        }
+        ASSERT_EQ(position, bytes.size());
+        ASSERT_EQ(live, m_Model.size());
+        ASSERT_EQ(m_File.GetFragmentationLevel(), static_cast<int>(100.0 * static_cast<uint32_t>(freeBytes) /
+                                                                   static_cast<double>(bytes.size())));
+    }
+
+    // A copy whose header names no cache record is opened by a second object, which must scan it.
+    void CompareWithScannedCopy()
+    {
+        const std::u16string copyPath = u"/data/scanned.ddb";
+        std::string& copy = m_Fs.Bytes(copyPath);
+        copy = m_Fs.Bytes(Path);
+        std::fill(copy.begin() + 464, copy.begin() + 488, '\0');
+        CDataFile scanned(m_Fs, m_Clock);
+        ASSERT_TRUE(scanned.Open(copyPath, m_Key));
+        ASSERT_FALSE(scanned.WasCacheLoadedFromRecord());
+        ASSERT_EQ(scanned.GetRecordsCount(), m_File.GetRecordsCount());
+        ASSERT_EQ(scanned.GetFragmentationLevel(), m_File.GetFragmentationLevel());
+        std::set<CUInt128> loadedIds;
+        std::set<CUInt128> scannedIds;
+        for (uint32_t i = 0; i < m_File.GetRecordsCount(); ++i)
+        {
+            loadedIds.insert(m_File.GetRecordID(i));
+            scannedIds.insert(scanned.GetRecordID(i));
+        }
+        ASSERT_EQ(loadedIds, scannedIds);
+        for (uint16_t type = 1; type <= 4; ++type)
+            ASSERT_EQ(scanned.GetTypedRecordsCount(type), m_File.GetTypedRecordsCount(type));
+        for (const auto& [id, record] : m_Model)
+        {
+            ASSERT_EQ(scanned.GetRecordType(id), m_File.GetRecordType(id));
+            ASSERT_EQ(scanned.GetRecordSize(id), m_File.GetRecordSize(id));
+            ASSERT_EQ(scanned.GetRecordSizeOnDisk(id), m_File.GetRecordSizeOnDisk(id));
+        }
+        scanned.Close(false, 0);
+        int cause = 0;
+        ASSERT_TRUE(m_Fs.Delete(copyPath, cause));
     }
 
     void ReadOne()

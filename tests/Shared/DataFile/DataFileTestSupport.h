@@ -82,3 +82,37 @@ inline uint64_t ReadU64(const std::string& file, size_t offset)
 {
     return ReadU32(file, offset) | (static_cast<uint64_t>(ReadU32(file, offset + 4)) << 32);
 }
+
+// Record IDs on disk: four u32 words, the most significant first.
+inline CUInt128 ReadId(const std::string& file, size_t offset)
+{
+    const uint64_t high = (static_cast<uint64_t>(ReadU32(file, offset)) << 32) | ReadU32(file, offset + 4);
+    const uint64_t low =
+        (static_cast<uint64_t>(ReadU32(file, offset + 8)) << 32) | ReadU32(file, offset + 12);
+    return CUInt128(high, low);
+}
+
+// The stream exactly as the file format defines it, one byte at a time.
+inline void ReferenceCipher(const std::vector<uint8_t>& key, uint8_t* b, uint32_t n, uint64_t p)
+{
+    const uint32_t L = static_cast<uint32_t>(key.size());
+    const uint32_t p32 = static_cast<uint32_t>(p);
+    uint32_t j = (L + 4 * p32 + n) % L;
+    uint8_t prev = key[j];
+    ++j;
+    for (uint32_t i = 0; i < n; ++i)
+    {
+        if (j >= L)
+            j = 0;
+        const uint8_t cur = key[j++];
+        uint8_t t;
+        if (i % 3 == 1)
+            t = static_cast<uint8_t>((j % 41) + p32);
+        else if (p & 1)
+            t = static_cast<uint8_t>((j & 0xFF) & cur);
+        else
+            t = static_cast<uint8_t>((n & 0xFF) | (j & 0xFF));
+        b[i] = static_cast<uint8_t>(b[i] ^ t ^ prev);
+        prev = cur;
+    }
+}
