@@ -1,8 +1,9 @@
 // Speed of the editor's model updates with a fixed-width screen: keystrokes, Enter, Backspace,
-// undo and redo on a 100,000-line document and inside one 1 MB paragraph, a full layout of
-// 10 MB at a new width, and replace all of a word occurring 50,000 times. The anchor, measured
-// in the same run, is copying the 1 MB paragraph's text once (what any whole-line step costs
-// at least). Also prints the undo history's memory after 10,000 keystrokes in the paragraph.
+// undo and redo, a full layout at a new width and replace all of a word occurring 50,000 times,
+// on a 100,000-line document and inside one 1 MB paragraph; a full layout of 10 MB at a new
+// width. The anchor, measured in the same run, is copying the 1 MB paragraph's text once (what
+// any whole-line step costs at least). Also prints the undo history's memory after 10,000
+// keystrokes in the paragraph.
 #include "Shared/Base/MemFileSystem.h"
 #include "Shared/Base/OleDate.h"
 #include "Shared/FxEdit/FxEdit.h"
@@ -82,6 +83,15 @@ std::u16string Words(size_t units)
     return text;
 }
 
+// `units` of text in which the word "lorem" stands `count` times, once every `spacing` units.
+std::u16string MarkedWords(size_t units, size_t spacing, size_t count)
+{
+    std::u16string text = Words(units);
+    for (size_t at = spacing - 6; at + 6 <= units && count > 0; at += spacing, --count)
+        text.replace(at, 6, u" lorem");
+    return text;
+}
+
 // Every second line holds the word "lorem" once.
 CRichTextDocument ManyLines(size_t count, size_t unitsPerLine)
 {
@@ -144,6 +154,10 @@ int main(int argc, char** argv)
         CFxEdit edit(host, CFxEdit::ModeRich, true);
         edit.SetDocument(ManyLines(100000, 60));
         KeystrokeSet(edit, "100,000 lines", {50000, 10}, anchor);
+        host.width = 480;
+        Report("100,000 lines: full layout at a new width", Seconds([&] { edit.OnResize(); }), anchor);
+        host.width = 640;
+        edit.OnResize();
         int32_t replaced = 0;
         const double replaceSeconds =
             Seconds([&] { replaced = edit.Replace(u"lorem", u"ipsum", true, true, false); });
@@ -158,7 +172,12 @@ int main(int argc, char** argv)
         KeystrokeSet(edit, "1 MB paragraph", {0, 300000}, anchor);
         if (paragraphOnly)
             return 0;
+        host.width = 480;
+        Report("1 MB paragraph: full layout at a new width", Seconds([&] { edit.OnResize(); }), anchor);
+        host.width = 640;
 
+        // The keystrokes above split the paragraph; the memory is measured on a whole one.
+        edit.SetDocument(paragraph);
         constexpr size_t Keystrokes = 10000;
         edit.SetCaret({0, 1000});
         const double seconds = Seconds(
@@ -172,6 +191,19 @@ int main(int argc, char** argv)
                     Keystrokes, seconds,
                     static_cast<double>(edit.UndoHistory().MemoryUsed()) / (1024.0 * 1024.0),
                     edit.UndoHistory().QuantCount(), edit.UndoHistory().DroppedOlderChanges() ? "yes" : "no");
+    }
+    {
+        CFxEdit edit(host, CFxEdit::ModeRich, true);
+        CRichTextDocument paragraph;
+        paragraph.AppendLine(CRtfTextLine(MarkedWords(512 * 1024, 10, 50000)));
+        edit.SetDocument(paragraph);
+        int32_t replaced = 0;
+        const double replaceSeconds =
+            Seconds([&] { replaced = edit.Replace(u"lorem", u"ipsum", true, true, false); });
+        Report("1 MB paragraph: replace all", replaceSeconds, anchor);
+        std::printf("  (%d occurrences replaced; undo history %.1f MB in %zu quanta)\n", replaced,
+                    static_cast<double>(edit.UndoHistory().MemoryUsed()) / (1024.0 * 1024.0),
+                    edit.UndoHistory().QuantCount());
     }
     {
         CFxEdit edit(host, CFxEdit::ModeRich, true);

@@ -250,6 +250,9 @@ private:
     using LineChange = std::function<bool(CRtfTextLine& line, int32_t from, int32_t to, int32_t* caretOffset,
                                           int32_t* anchorOffset)>;
     void ChangeSelectedLines(std::u16string_view labelKey, const LineChange& change);
+    // Replaces the occurrences at `starts` (offsets into the line as it is) one quantum each.
+    void ReplaceInLine(int32_t line, const std::vector<int32_t>& starts, int32_t findLength,
+                       std::u16string_view replace, const std::u16string& label);
 
     // Caret movement helpers (Caret unit).
     SFxPosition WordLeft(SFxPosition position) const;

@@ -120,53 +120,94 @@ int32_t CFxEdit::Replace(std::u16string_view find, std::u16string_view replace, 
         to = ToCharPosition(SelectionEnd());
     }
     const auto findLength = static_cast<int32_t>(find.size());
-    const auto replaceLength = static_cast<int32_t>(replace.size());
+    const auto delta = static_cast<int32_t>(replace.size()) - findLength;
     const std::u16string label = Translate(u"EDITCTL_UNDO_REPLACEMENT");
     int32_t count = 0;
     int32_t firstChanged = -1;
-    int32_t lastChanged = -1;
     SFxCharPosition last{};
-    for (int32_t line = from.line, offset = from.offset; line <= to.line;)
+    for (int32_t line = from.line; line <= to.line && (all || count == 0); ++line)
     {
+        // The occurrences are found in the line as it is: the text after a replaced one is the
+        // text that followed it before, so the replacement itself is never searched again, and
+        // the range's end is checked before anything on its line moved.
         const std::u16string& text = Line(line).Text();
-        const int32_t found = offset <= static_cast<int32_t>(text.size())
-                                  ? CTextSearch::Find(text, find, matchCase, false, offset)
-                                  : -1;
-        if (found < 0 || (line == to.line && found + findLength > to.offset))
+        const int32_t end = line == to.line ? to.offset : static_cast<int32_t>(text.size());
+        std::vector<int32_t> starts;
+        for (int32_t offset = line == from.line ? from.offset : 0;
+             offset <= static_cast<int32_t>(text.size());)
         {
-            ++line;
-            offset = 0;
-            continue;
+            const int32_t found = CTextSearch::Find(text, find, matchCase, false, offset);
+            if (found < 0 || found + findLength > end)
+                break;
+            starts.push_back(found);
+            offset = found + findLength;
+            if (!all)
+                break;
         }
-        last = {line, found};
-        SetCaretChars(last, last);
-        CRtfTextLine after =
-            WithInsertedText(WithRemovedText(Line(line), found, found + findLength), found, replace);
-        m_UndoRedo.BeginUndoQuant(label);
-        PutLineRecorded(line, std::move(after));
-        // The line waits to be laid out until all its replacements are made; until then its
-        // positions are plain offsets.
-        SetCaretChars(last, last);
-        m_UndoRedo.EndUndoQuant();
-        if (line == to.line)
-            to.offset += replaceLength - findLength;
+        if (starts.empty())
+            continue;
+        ReplaceInLine(line, starts, findLength, replace, label);
         firstChanged = firstChanged < 0 ? line : firstChanged;
-        lastChanged = line;
-        ++count;
-        offset = found + replaceLength;
-        if (!all)
-            break;
+        last = {line, starts.back() + static_cast<int32_t>(starts.size() - 1) * delta};
+        count += static_cast<int32_t>(starts.size());
     }
     if (count == 0)
         return 0;
-    for (int32_t line = firstChanged; line <= lastChanged; ++line)
+    for (int32_t line = firstChanged; line < last.line; ++line)
         if (!Line(line).IsLayoutValid())
             LayoutLine(line);
-    RelayoutRange(lastChanged, lastChanged, true);
+    RelayoutRange(last.line, last.line, true);
     SetCaretChars(last, last);
     NotifyTextChanged(true);
     EnsureCaretVisible();
     return count;
+}
+
+void CFxEdit::ReplaceInLine(int32_t line, const std::vector<int32_t>& starts, int32_t findLength,
+                            std::u16string_view replace, const std::u16string& label)
+{
+    const auto delta = static_cast<int32_t>(replace.size()) - findLength;
+    // Every replacement copies the whole line twice into the history. In a long paragraph with
+    // many occurrences only the newest quanta fit in its bound; the older ones would be dropped
+    // as soon as they were made, and with them everything before, so they are not made at all.
+    const uint64_t limit = m_UndoRedo.MemoryLimit();
+    const uint64_t lineBytes = CUndoRedo::LineBytes(Line(line));
+    uint64_t kept = 0;
+    size_t made = 0;
+    while (made < starts.size())
+    {
+        const auto index = static_cast<int64_t>(starts.size() - made);
+        const int64_t beforeBytes =
+            static_cast<int64_t>(lineBytes) + (index - 1) * delta * static_cast<int64_t>(sizeof(char16_t));
+        const uint64_t quantBytes = static_cast<uint64_t>(std::max<int64_t>(0, beforeBytes)) * 2 +
+                                    static_cast<uint64_t>(std::max(delta, 0)) * sizeof(char16_t) +
+                                    sizeof(CUndoRedo::SOneUndoStep);
+        if (made > 0 && kept + quantBytes > limit)
+            break;
+        kept += quantBytes;
+        ++made;
+    }
+    const size_t skipped = starts.size() - made;
+    if (skipped > 0)
+    {
+        const std::vector<int32_t> unrecorded(starts.begin(),
+                                              starts.begin() + static_cast<std::ptrdiff_t>(skipped));
+        PutLine(line, WithReplacedRanges(Line(line), unrecorded, findLength, replace));
+        m_UndoRedo.DropAll();
+    }
+    for (size_t k = skipped; k < starts.size(); ++k)
+    {
+        const SFxCharPosition at{line, starts[k] + static_cast<int32_t>(k) * delta};
+        SetCaretChars(at, at);
+        CRtfTextLine after = WithInsertedText(WithRemovedText(Line(line), at.offset, at.offset + findLength),
+                                              at.offset, replace);
+        m_UndoRedo.BeginUndoQuant(label);
+        PutLineRecorded(line, std::move(after));
+        // The line waits to be laid out until all its replacements are made; until then its
+        // positions are plain offsets.
+        SetCaretChars(at, at);
+        m_UndoRedo.EndUndoQuant();
+    }
 }
 
 void CFxEdit::RunFindCommand()

@@ -7,19 +7,9 @@
 
 namespace
 {
-uint64_t LineBytes(const CRtfTextLine* line)
+uint64_t BytesOf(const CRtfTextLine* line)
 {
-    if (line == nullptr)
-        return 0;
-    uint64_t bytes = sizeof(CRtfTextLine) + line->Text().size() * sizeof(char16_t) +
-                     line->Blocks().size() * sizeof(CRtfTextBlockInfo);
-    for (const CRtfObjectInfo& object : line->Objects())
-    {
-        bytes += sizeof(CRtfObjectInfo) + object.DataSize() + object.FileName().size() * sizeof(char16_t);
-        if (object.Picture())
-            bytes += object.Picture()->Packed().size();
-    }
-    return bytes;
+    return line == nullptr ? 0 : CFxEditUndoRedo::LineBytes(*line);
 }
 
 std::unique_ptr<CRtfTextLine> CopyOf(const CRtfTextLine& line)
@@ -32,6 +22,19 @@ std::unique_ptr<CRtfTextLine> Take(CRtfTextLine&& line)
     return std::make_unique<CRtfTextLine>(std::move(line));
 }
 } // namespace
+
+uint64_t CFxEditUndoRedo::LineBytes(const CRtfTextLine& line)
+{
+    uint64_t bytes = sizeof(CRtfTextLine) + line.Text().size() * sizeof(char16_t) +
+                     line.Blocks().size() * sizeof(CRtfTextBlockInfo);
+    for (const CRtfObjectInfo& object : line.Objects())
+    {
+        bytes += sizeof(CRtfObjectInfo) + object.DataSize() + object.FileName().size() * sizeof(char16_t);
+        if (object.Picture())
+            bytes += object.Picture()->Packed().size();
+    }
+    return bytes;
+}
 
 void CFxEditUndoRedo::BeginUndoQuant(const std::u16string& label)
 {
@@ -54,7 +57,7 @@ void CFxEditUndoRedo::AddStep(int32_t line, int32_t kind, std::unique_ptr<CRtfTe
     if (!m_Open || m_Current < 0)
         throw std::invalid_argument("undo step recorded outside a quantum");
     COneUndoQuant& quant = m_Quanta[static_cast<size_t>(m_Current)];
-    const uint64_t bytes = LineBytes(before.get()) + LineBytes(after.get()) + sizeof(SOneUndoStep);
+    const uint64_t bytes = BytesOf(before.get()) + BytesOf(after.get()) + sizeof(SOneUndoStep);
     quant.steps.push_back(SOneUndoStep{line, kind, std::move(before), std::move(after)});
     quant.bytes += bytes;
     m_Bytes += bytes;
@@ -193,6 +196,12 @@ bool CFxEditUndoRedo::CanRedo(std::u16string* text) const
     if (text != nullptr)
         *text = MenuText(u"EDITCTL_REDO", can ? &m_Quanta[static_cast<size_t>(m_Current + 1)] : nullptr);
     return can;
+}
+
+void CFxEditUndoRedo::DropAll()
+{
+    Clear();
+    m_Dropped = true;
 }
 
 void CFxEditUndoRedo::Clear()

@@ -75,8 +75,14 @@ public:
     // The oldest quanta are dropped when the copies grow past this many bytes. Once any was
     // dropped, undoing everything left no longer brings back the unmodified text.
     void SetMemoryLimit(uint64_t bytes) { m_MemoryLimit = bytes; }
+    uint64_t MemoryLimit() const { return m_MemoryLimit; }
     uint64_t MemoryUsed() const { return m_Bytes; }
     bool DroppedOlderChanges() const { return m_Dropped; }
+    // For a change whose own quanta would push every older one out of the bound before it ends:
+    // forgets the whole history as dropped.
+    void DropAll();
+    // The memory a step's copy of `line` is counted with.
+    static uint64_t LineBytes(const CRtfTextLine& line);
 
 private:
     void AddStep(int32_t line, int32_t kind, std::unique_ptr<CRtfTextLine> before,

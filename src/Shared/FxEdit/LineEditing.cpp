@@ -64,6 +64,66 @@ CRtfTextBlockInfo WithoutFieldsOf(const CRtfTextBlockInfo& block, const CRtfText
         stripped.SetBackColour(std::nullopt);
     return stripped;
 }
+
+CRtfTextLine Assembled(const CRtfTextLine& like, std::u16string text, std::vector<CRtfTextBlockInfo> blocks,
+                       std::vector<CRtfObjectInfo> objects)
+{
+    CRtfTextLine result(std::move(text));
+    result.SetAlignment(like.Alignment());
+    result.SetBlocks(std::move(blocks));
+    result.SetObjects(std::move(objects));
+    return result;
+}
+
+// Blocks and objects after `count` characters were inserted at `offset`: a block starting there
+// keeps its place at the paragraph's start and otherwise moves with the following text.
+void InsertIntoFormats(std::vector<CRtfTextBlockInfo>& blocks, std::vector<CRtfObjectInfo>& objects,
+                       int32_t offset, int32_t count)
+{
+    if (count == 0)
+        return;
+    for (CRtfTextBlockInfo& block : blocks)
+        if (block.Start() > offset || (block.Start() == offset && offset > 0))
+            block.SetStart(block.Start() + count);
+    for (CRtfObjectInfo& object : objects)
+        if (object.Position() >= offset)
+            object.SetPosition(object.Position() + count);
+}
+
+// Blocks and objects after [from, to) was removed.
+void RemoveFromFormats(std::vector<CRtfTextBlockInfo>& blocks, std::vector<CRtfObjectInfo>& objects,
+                       int32_t from, int32_t to)
+{
+    const int32_t count = to - from;
+    // Blocks that began inside the range were all in force at its end; folded into one block at
+    // its start they give the following characters the format they had.
+    std::vector<CRtfTextBlockInfo> kept;
+    kept.reserve(blocks.size() + 1);
+    CRtfTextBlockInfo combined(from);
+    bool anyCombined = false;
+    for (const CRtfTextBlockInfo& block : blocks)
+    {
+        if (block.Start() < from)
+            kept.push_back(block);
+        else if (block.Start() <= to && count > 0)
+        {
+            FoldInto(combined, block);
+            anyCombined = true;
+        }
+    }
+    if (anyCombined && HasAnyField(combined))
+        kept.push_back(combined);
+    for (const CRtfTextBlockInfo& block : blocks)
+        if (block.Start() > to || (block.Start() >= from && count == 0))
+            kept.push_back(ShiftedBlock(block, -count));
+    blocks = std::move(kept);
+
+    std::erase_if(objects, [&](const CRtfObjectInfo& object)
+                  { return object.Position() >= from && object.Position() < to; });
+    for (CRtfObjectInfo& object : objects)
+        if (object.Position() >= to)
+            object.SetPosition(object.Position() - count);
+}
 } // namespace
 
 CRtfTextBlockInfo FormatAt(const CRtfTextLine& line, int32_t offset)
@@ -81,28 +141,16 @@ CRtfTextBlockInfo FormatAt(const CRtfTextLine& line, int32_t offset)
 CRtfTextLine WithInsertedText(const CRtfTextLine& line, int32_t offset, std::u16string_view text)
 {
     offset = ClampOffset(line, offset);
-    const auto count = static_cast<int32_t>(text.size());
     const std::u16string_view old(line.Text());
     std::u16string newText;
     newText.reserve(old.size() + text.size());
     newText.append(old.substr(0, static_cast<size_t>(offset)))
         .append(text)
         .append(old.substr(static_cast<size_t>(offset)));
-
     std::vector<CRtfTextBlockInfo> blocks = line.Blocks();
-    for (CRtfTextBlockInfo& block : blocks)
-        if (block.Start() > offset || (block.Start() == offset && offset > 0))
-            block.SetStart(block.Start() + count);
     std::vector<CRtfObjectInfo> objects = line.Objects();
-    for (CRtfObjectInfo& object : objects)
-        if (object.Position() >= offset)
-            object.SetPosition(object.Position() + count);
-
-    CRtfTextLine result(std::move(newText));
-    result.SetAlignment(line.Alignment());
-    result.SetBlocks(std::move(blocks));
-    result.SetObjects(std::move(objects));
-    return result;
+    InsertIntoFormats(blocks, objects, offset, static_cast<int32_t>(text.size()));
+    return Assembled(line, std::move(newText), std::move(blocks), std::move(objects));
 }
 
 void InsertLineText(CRtfTextLine& line, int32_t offset, std::u16string_view text)
@@ -115,47 +163,41 @@ CRtfTextLine WithRemovedText(const CRtfTextLine& line, int32_t from, int32_t to)
 {
     from = ClampOffset(line, from);
     to = std::max(from, ClampOffset(line, to));
-    const int32_t count = to - from;
-
-    // Blocks that began inside the range were all in force at its end; folded into one block at
-    // its start they give the following characters the format they had.
-    std::vector<CRtfTextBlockInfo> blocks;
-    CRtfTextBlockInfo combined(from);
-    bool anyCombined = false;
-    for (const CRtfTextBlockInfo& block : line.Blocks())
-    {
-        if (block.Start() < from)
-            blocks.push_back(block);
-        else if (block.Start() <= to && count > 0)
-        {
-            FoldInto(combined, block);
-            anyCombined = true;
-        }
-    }
-    if (anyCombined && HasAnyField(combined))
-        blocks.push_back(combined);
-    for (const CRtfTextBlockInfo& block : line.Blocks())
-        if (block.Start() > to || (block.Start() >= from && count == 0))
-            blocks.push_back(ShiftedBlock(block, -count));
-
-    std::vector<CRtfObjectInfo> objects;
-    for (const CRtfObjectInfo& object : line.Objects())
-    {
-        if (object.Position() < from)
-            objects.push_back(object);
-        else if (object.Position() >= to)
-            objects.push_back(ShiftedObject(object, -count));
-    }
-
+    std::vector<CRtfTextBlockInfo> blocks = line.Blocks();
+    std::vector<CRtfObjectInfo> objects = line.Objects();
+    RemoveFromFormats(blocks, objects, from, to);
     const std::u16string_view old(line.Text());
     std::u16string newText;
-    newText.reserve(old.size() - static_cast<size_t>(count));
+    newText.reserve(old.size() - static_cast<size_t>(to - from));
     newText.append(old.substr(0, static_cast<size_t>(from))).append(old.substr(static_cast<size_t>(to)));
-    CRtfTextLine result(std::move(newText));
-    result.SetAlignment(line.Alignment());
-    result.SetBlocks(std::move(blocks));
-    result.SetObjects(std::move(objects));
-    return result;
+    return Assembled(line, std::move(newText), std::move(blocks), std::move(objects));
+}
+
+CRtfTextLine WithReplacedRanges(const CRtfTextLine& line, const std::vector<int32_t>& starts, int32_t length,
+                                std::u16string_view replacement)
+{
+    const std::u16string_view old(line.Text());
+    const auto count = static_cast<int32_t>(replacement.size());
+    std::u16string newText;
+    newText.reserve(old.size() + starts.size() * replacement.size());
+    std::vector<CRtfTextBlockInfo> blocks = line.Blocks();
+    std::vector<CRtfObjectInfo> objects = line.Objects();
+    size_t copied = 0;
+    int32_t shift = 0;
+    for (const int32_t start : starts)
+    {
+        const int32_t from =
+            std::clamp<int32_t>(start, static_cast<int32_t>(copied), static_cast<int32_t>(old.size()));
+        const int32_t to = std::min<int32_t>(from + length, static_cast<int32_t>(old.size()));
+        newText.append(old.substr(copied, static_cast<size_t>(from) - copied)).append(replacement);
+        copied = static_cast<size_t>(to);
+        // The formats go through the same steps as one removal and one insertion each.
+        RemoveFromFormats(blocks, objects, from + shift, to + shift);
+        InsertIntoFormats(blocks, objects, from + shift, count);
+        shift += count - (to - from);
+    }
+    newText.append(old.substr(copied));
+    return Assembled(line, std::move(newText), std::move(blocks), std::move(objects));
 }
 
 void RemoveLineText(CRtfTextLine& line, int32_t from, int32_t to)

@@ -5,6 +5,7 @@
 #include "Shared/RichText/RtfTextLine.h"
 
 #include <string_view>
+#include <vector>
 
 // The format fields in force at `offset`: every block starting at or before it, folded in order.
 CRtfTextBlockInfo FormatAt(const CRtfTextLine& line, int32_t offset);
@@ -13,6 +14,10 @@ CRtfTextBlockInfo FormatAt(const CRtfTextLine& line, int32_t offset);
 // allocation (paragraphs can be megabytes long, and every keystroke makes one of these).
 CRtfTextLine WithInsertedText(const CRtfTextLine& line, int32_t offset, std::u16string_view text);
 CRtfTextLine WithRemovedText(const CRtfTextLine& line, int32_t from, int32_t to);
+// The same as replacing [start, start + length) by `replacement` for each of `starts` in turn
+// (ascending, not overlapping, offsets into `line` as it is), building the text once.
+CRtfTextLine WithReplacedRanges(const CRtfTextLine& line, const std::vector<int32_t>& starts, int32_t length,
+                                std::u16string_view replacement);
 
 // Inserts plain text at `offset`; the new characters take the format of the character before
 // them (of the first character at offset 0). Object characters in `text` are not objects.

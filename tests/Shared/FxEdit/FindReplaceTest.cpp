@@ -141,3 +141,51 @@ TEST(FxEditFindFields, SingleLineFieldsOpenNoFindDialog)
     EXPECT_TRUE(field.IsSelectionEmpty());
     EXPECT_TRUE(host.shownMessages.empty());
 }
+
+TEST(FxEditReplaceBounded, ReplaceAllInALongLineKeepsOnlyTheNewestQuanta)
+{
+    // Each quantum of the long line costs two copies of a little over 2,000 bytes; the bound
+    // holds three and a half.
+    std::u16string text;
+    for (int i = 0; i < 100; ++i)
+        text += u"word cat. ";
+    auto load = [&](CFxEdit& edit)
+    {
+        CRichTextDocument document;
+        document.AppendLine(CRtfTextLine(u"cat first"));
+        CRtfTextLine line(text);
+        CRtfTextBlockInfo colour(7);
+        colour.SetTextColour(0x0000FF);
+        line.AddBlock(colour);
+        document.AppendLine(line);
+        edit.SetDocument(document);
+    };
+    CFxEditTestHost host;
+    CFxEdit unbounded(host, CFxEdit::ModeRich, true);
+    load(unbounded);
+    EXPECT_EQ(unbounded.Replace(u"cat", u"dog!", true, true, false), 101);
+    EXPECT_EQ(unbounded.UndoHistory().QuantCount(), 101u);
+    for (int i = 0; i < 3; ++i)
+        unbounded.Undo();
+    const CRichTextDocument threeUndone = unbounded.GetDocument();
+    while (unbounded.Redo())
+    {
+    }
+
+    SFxEditSettings settings;
+    settings.undoMemoryLimit = 7 * (CFxEdit::CUndoRedo::LineBytes(CRtfTextLine(text)) + 250);
+    CFxEdit bounded(host, CFxEdit::ModeRich, true, settings);
+    load(bounded);
+    EXPECT_EQ(bounded.Replace(u"cat", u"dog!", true, true, false), 101);
+    EXPECT_EQ(bounded.GetDocument(), unbounded.GetDocument());
+    EXPECT_EQ(bounded.UndoHistory().QuantCount(), 3u);
+    EXPECT_TRUE(bounded.UndoHistory().DroppedOlderChanges());
+    EXPECT_LE(bounded.UndoHistory().MemoryUsed(), settings.undoMemoryLimit);
+    EXPECT_EQ(bounded.ToCharPosition(bounded.Caret()), unbounded.ToCharPosition(unbounded.Caret()));
+    while (bounded.Undo())
+    {
+    }
+    EXPECT_EQ(bounded.GetDocument(), threeUndone);
+    EXPECT_TRUE(bounded.IsModified());
+    EXPECT_TRUE(LayoutIsConsistent(bounded));
+}

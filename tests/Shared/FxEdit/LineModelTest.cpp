@@ -282,3 +282,36 @@ TEST(LineLayout, ReLayoutFromTheChangedPartEqualsAFullLayout)
     }
     EXPECT_GT(reused, 1500); // most edits could reuse rows
 }
+
+TEST(LineEditing, ReplacingManyRangesAtOnceEqualsReplacingThemOneByOne)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 300; ++round)
+    {
+        CRtfTextLine line(u"ab\x14"
+                          u"cab abab cdab\x14"
+                          u"xab");
+        line.SetObjects({CRtfObjectInfo(CRtfObjectInfo::AttachmentType, 2),
+                         CRtfObjectInfo(CRtfObjectInfo::PictureType, 13)});
+        for (int i = 0; i < 3; ++i)
+        {
+            const auto at = static_cast<int32_t>(random() % 17);
+            ApplyLineFormat(line, at, at + 1 + static_cast<int32_t>(random() % 5), RandomFormat(random),
+                            DefaultFont);
+        }
+        const int32_t length = 1 + static_cast<int32_t>(random() % 3);
+        std::vector<int32_t> starts;
+        for (int32_t at = static_cast<int32_t>(random() % 3); at + length <= 17;
+             at += length + static_cast<int32_t>(random() % 4))
+            starts.push_back(at);
+        const std::u16string replacement(random() % 4, u'R');
+        CRtfTextLine sequential = line;
+        const auto delta = static_cast<int32_t>(replacement.size()) - length;
+        for (size_t k = 0; k < starts.size(); ++k)
+        {
+            const int32_t at = starts[k] + static_cast<int32_t>(k) * delta;
+            sequential = WithInsertedText(WithRemovedText(sequential, at, at + length), at, replacement);
+        }
+        ASSERT_EQ(WithReplacedRanges(line, starts, length, replacement), sequential) << round;
+    }
+}
