@@ -1,39 +1,31 @@
 #include "Gui/FxEditWidget.h"
 
+#include "Gui/GuiClipboard.h"
+#include "Gui/GuiPictures.h"
 #include "Gui/QtText.h"
+#include "Shared/Base/Archive.h"
 #include "Shared/Base/File.h"
 #include "Shared/Base/OleDate.h"
-#include "Shared/FxEdit/LineLayout.h"
+#include "Shared/LanguagesMgr/LanguageModule.h"
+#include "Shared/Log/Log.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QPainter>
+#include <QScrollBar>
 #include <QUrl>
 
 #include <algorithm>
 
 namespace
 {
-// The clipboard format name under which the editor's own rich text travels.
-const QString kRichTextMime = QStringLiteral("Korimsen Rich Text Format");
-
-QColor FromColourRef(RichTextColour colour)
-{
-    return QColor(static_cast<int>(colour & 0xFF), static_cast<int>((colour >> 8) & 0xFF),
-                  static_cast<int>((colour >> 16) & 0xFF));
-}
-
-bool IsSetColour(const std::optional<RichTextColour>& colour)
-{
-    return colour.has_value() && *colour != DefaultRichTextColour;
-}
-
 EFxKey ToFxKey(int key)
 {
     switch (key)
@@ -75,29 +67,34 @@ bool IsTypedCharacter(QChar c)
 }
 } // namespace
 
-// One screen row of one paragraph, with what painting it needs to know.
-struct CFxEditWidget::SRowPaint
-{
-    int32_t lineIndex = 0;
-    int32_t row = 0;
-    int32_t top = 0;
-};
-
 CFxEditWidget::CFxEditWidget(const CLanguageModule* language, QWidget* parent)
-    : QWidget(parent), m_Language(language), m_Edit(*this, CFxEdit::ModeRich, true)
+    : QWidget(parent), m_Language(language), m_VScroll(new QScrollBar(Qt::Vertical, this)),
+      m_Edit(*this, CFxEdit::ModeRich, true)
 {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setAcceptDrops(true);
+    setMouseTracking(true);
     setCursor(Qt::IBeamCursor);
     setAutoFillBackground(false);
+    m_VScroll->setCursor(Qt::ArrowCursor);
+    m_VScroll->setFocusPolicy(Qt::NoFocus);
+    connect(m_VScroll, &QScrollBar::valueChanged, this, &CFxEditWidget::ScrollToAbsoluteRow);
     m_CaretTimer.setInterval(QApplication::cursorFlashTime() > 0 ? QApplication::cursorFlashTime() / 2 : 500);
     connect(&m_CaretTimer, &QTimer::timeout, this,
             [this]
             {
                 m_CaretShown = !m_CaretShown;
-                update();
+                if (const QRect caret = CaretRect(); !caret.isEmpty())
+                    update(caret.adjusted(-1, 0, 1, 0));
             });
+    m_AutoScroll.setInterval(50);
+    connect(&m_AutoScroll, &QTimer::timeout, this, &CFxEditWidget::AutoScrollStep);
+    SyncScrollBar();
 }
+
+CFxEditWidget::~CFxEditWidget() = default;
 
 QFont CFxEditWidget::ToQFont(const SFontDescription& font)
 {
@@ -112,11 +109,14 @@ QFont CFxEditWidget::ToQFont(const SFontDescription& font)
     return result;
 }
 
-const QFontMetrics& CFxEditWidget::Metrics(const SFontDescription& font)
+const CFxEditWidget::SFontCache& CFxEditWidget::Fonts(const SFontDescription& font) const
 {
-    auto found = m_Metrics.find(font);
-    if (found == m_Metrics.end())
-        found = m_Metrics.emplace(font, QFontMetrics(ToQFont(font), this)).first;
+    auto found = m_Fonts.find(font);
+    if (found == m_Fonts.end())
+    {
+        const QFont qfont = ToQFont(font);
+        found = m_Fonts.emplace(font, SFontCache{qfont, QFontMetrics(qfont, this)}).first;
+    }
     return found->second;
 }
 
@@ -124,6 +124,8 @@ void CFxEditWidget::SetDocument(const CRichTextDocument& document)
 {
     m_Edit.SetDocument(document);
     m_Edit.SetModified(false);
+    m_Pictures.clear();
+    SyncScrollBar();
     update();
 }
 
@@ -133,17 +135,17 @@ void CFxEditWidget::RunAction(int32_t action)
     AfterEditing();
 }
 
-// ---- IFxEditHost ----
+// ---- IFxEditHost
 
 SFxExtent CFxEditWidget::MeasureText(std::u16string_view text, const SFontDescription& font)
 {
-    const QFontMetrics& metrics = Metrics(font);
+    const QFontMetrics& metrics = Fonts(font).metrics;
     return SFxExtent{metrics.horizontalAdvance(ToQString(text)), metrics.height()};
 }
 
 int32_t CFxEditWidget::TextAreaWidth()
 {
-    return std::max(1, width() - 2 * Margin);
+    return std::max(1, width() - m_VScroll->sizeHint().width() - 2 * Margin);
 }
 
 int32_t CFxEditWidget::TextAreaHeight()
@@ -169,12 +171,12 @@ void CFxEditWidget::SetStatusText(std::u16string_view text)
 
 bool CFxEditWidget::SetClipboard(const SFxClipboardData& data)
 {
-    auto* mime = new QMimeData;
-    mime->setText(ToQString(data.plainText));
-    if (!data.richText.empty())
-        mime->setData(kRichTextMime, QByteArray(reinterpret_cast<const char*>(data.richText.data()),
-                                                static_cast<qsizetype>(data.richText.size())));
-    QApplication::clipboard()->setMimeData(mime);
+    CRichTextDocument selection;
+    CArchiveReader reader(data.richText.data(), data.richText.size());
+    if (data.richText.empty() || selection.Serialize(reader) != 0)
+        selection.BuildFromPlainText(data.plainText);
+    QApplication::clipboard()->setMimeData(
+        MakeRichTextMimeData(selection, data.plainText, m_Edit.Settings().defaultFont).release());
     return true;
 }
 
@@ -184,8 +186,15 @@ bool CFxEditWidget::GetClipboard(SFxClipboardData& data)
     if (!mime)
         return false;
     data.plainText = ToU16(mime->text());
-    const QByteArray rich = mime->data(kRichTextMime);
-    data.richText.assign(rich.begin(), rich.end());
+    data.richText.clear();
+    CRichTextDocument document;
+    const EPastedForm form = ReadRichTextMimeData(*mime, m_Edit.Settings().defaultFont, document);
+    if (form == EPastedForm::OwnRichText || form == EPastedForm::Rtf || form == EPastedForm::Html)
+    {
+        CArchiveWriter writer;
+        if (document.Serialize(writer) == 0)
+            data.richText = writer.Take();
+    }
     return true;
 }
 
@@ -209,6 +218,10 @@ EMsgResult CFxEditWidget::ShowMessage(const std::u16string& text, EMsgIcon icon)
 
 int32_t CFxEditWidget::TranslateKey(EFxKey key, int32_t platformKey, bool ctrl, bool shift, bool alt)
 {
+    if (key == EFxKey::Other && shift && !ctrl && !alt && platformKey == Qt::Key_Insert)
+        return CFxEdit::ActionPasteOther;
+    if (key == EFxKey::Delete && shift && !ctrl && !alt)
+        return CFxEdit::ActionCut;
     if (!ctrl || alt || key != EFxKey::Other)
         return 0;
     switch (platformKey)
@@ -220,11 +233,16 @@ int32_t CFxEditWidget::TranslateKey(EFxKey key, int32_t platformKey, bool ctrl, 
     case Qt::Key_X:
         return CFxEdit::ActionCut;
     case Qt::Key_C:
+    case Qt::Key_Insert:
         return CFxEdit::ActionCopy;
     case Qt::Key_V:
         return CFxEdit::ActionPaste;
     case Qt::Key_A:
         return CFxEdit::ActionSelectAll;
+    case Qt::Key_F:
+        return CFxEdit::ActionFind;
+    case Qt::Key_H:
+        return CFxEdit::ActionReplace;
     default:
         return 0;
     }
@@ -232,7 +250,8 @@ int32_t CFxEditWidget::TranslateKey(EFxKey key, int32_t platformKey, bool ctrl, 
 
 bool CFxEditWidget::RunFindReplaceDialog(SFxFindReplaceRequest& request)
 {
-    // The find and replace dialog is not part of the window yet: the request stays cancelled.
+    // The find and replace dialog belongs to the main window; without it the request stays
+    // cancelled.
     request.result = SFxFindReplaceRequest::Cancelled;
     return false;
 }
@@ -268,138 +287,180 @@ const IClock& CFxEditWidget::Clock()
     return SystemClock();
 }
 
-// ---- painting ----
+// ---- commands
 
-void CFxEditWidget::paintEvent(QPaintEvent*)
+std::unique_ptr<QMenu> CFxEditWidget::CreateContextMenu()
 {
-    QPainter painter(this);
-    painter.fillRect(rect(), palette().base());
-    if (m_Edit.LineCount() == 0)
-        return;
-    SRowPaint row{m_Edit.TopLine(), m_Edit.TopRow(), Margin};
-    while (row.top < height() && row.lineIndex < m_Edit.LineCount())
+    auto menu = std::make_unique<QMenu>(this);
+    const auto text = [this](const char16_t* key)
+    { return m_Language ? ToQString(m_Language->GetString(key)) : ToQString(key); };
+    const auto add = [&](const char16_t* key, bool enabled, auto run)
     {
-        const COneLineInfo& line = m_Edit.Line(row.lineIndex);
-        PaintRow(painter, row);
-        row.top += line.RowHeight(row.row);
-        if (++row.row >= line.RowCount())
-        {
-            ++row.lineIndex;
-            row.row = 0;
-        }
+        QAction* action = menu->addAction(text(key), this, run);
+        action->setEnabled(enabled);
+    };
+    const bool editable = !m_Edit.IsReadOnly();
+    const bool selected = !m_Edit.IsSelectionEmpty();
+    const QMimeData* clipboard = QApplication::clipboard()->mimeData();
+    const bool canPaste = editable && clipboard && !clipboard->formats().isEmpty();
+    add(u"EDITCTL_CUT", editable && selected, [this] { RunAction(CFxEdit::ActionCut); });
+    add(u"EDITCTL_COPY", selected, [this] { RunAction(CFxEdit::ActionCopy); });
+    add(u"EDITCTL_PASTE", canPaste, [this] { RunAction(CFxEdit::ActionPaste); });
+    menu->addSeparator();
+    add(u"EDITCTL_SELECTALL", m_Edit.LineCount() > 0, [this] { RunAction(CFxEdit::ActionSelectAll); });
+    menu->addSeparator();
+    add(u"EDITCTL_FIND", true, [this] { RunAction(CFxEdit::ActionFind); });
+    add(u"EDITCTL_REPLACE", editable, [this] { RunAction(CFxEdit::ActionReplace); });
+
+    const CRtfObjectInfo* object = m_Edit.LineCount() > 0 ? m_Edit.ObjectAtCaret() : nullptr;
+    if (object && object->IsAttachment())
+    {
+        menu->addSeparator();
+        add(u"MENU_FILE_OPEN", true, [this] { m_Edit.OpenAttachment(m_Edit.Caret()); });
+        add(u"MENU_FILE_SAVEAS", true, [this] { m_Edit.SaveAttachmentAs(m_Edit.Caret()); });
     }
+    else if (object && object->IsPicture())
+    {
+        menu->addSeparator();
+        add(u"MENU_EIDT_RESTORE_IMAGE_SIZE", editable && object->Param1() != 0 && object->Param2() != 0,
+            [this] { RestoreImageSize(); });
+    }
+    return menu;
 }
 
-void CFxEditWidget::PaintRow(QPainter& painter, const SRowPaint& row)
+bool CFxEditWidget::InsertImageFile(const QString& path)
 {
-    const COneLineInfo& line = m_Edit.Line(row.lineIndex);
-    const int32_t rowHeight = line.RowHeight(row.row);
-    const int32_t rowStart = line.RowStart(row.row);
-    const int32_t rowEnd = line.RowEnd(row.row);
-    const auto& indents = line.Layout().rowIndents;
-    const int32_t indent =
-        static_cast<size_t>(row.row) < indents.size() ? indents[static_cast<size_t>(row.row)] : 0;
-    const SFontDescription& defaultFont = m_Edit.Settings().defaultFont;
-
-    SLineLayoutContext context;
-    context.host = this;
-    context.defaultFont = &defaultFont;
-    context.tabStopWidth =
-        std::max(1, MeasureText(u" ", defaultFont).width * std::clamp(m_Edit.Settings().spacesPerTab, 1, 99));
-    const auto xOf = [&](int32_t offset)
-    { return Margin + indent + RowTextWidth(line, context, rowStart, offset); };
-
-    // Character offsets of the selection within this paragraph (layout position = offset + row).
-    const SFxPosition selStart = m_Edit.SelectionStart();
-    const SFxPosition selEnd = m_Edit.SelectionEnd();
-    const auto isSelected = [&](int32_t offset)
+    if (m_Edit.IsReadOnly() || m_Edit.Mode() != CFxEdit::ModeRich)
+        return false;
+    SetStatusText(m_Language ? m_Language->GetString(u"MAIN_WND_STATUS_LOADING") : u"");
+    const QImage image(path);
+    SetStatusText(u"");
+    std::optional<CRtfObjectInfo> picture = PictureObject(image);
+    if (!picture)
     {
-        const SFxPosition at{row.lineIndex, offset + row.row};
-        return at >= selStart && at < selEnd;
-    };
-
-    // Pieces of equal format and selection state; tabs and objects stand alone.
-    struct SPiece
-    {
-        int32_t start;
-        int32_t end;
-    };
-    std::vector<SPiece> pieces;
-    const std::u16string& text = line.Text();
-    for (int32_t at = rowStart; at < rowEnd;)
-    {
-        int32_t end = at + 1;
-        const char16_t first = text[static_cast<size_t>(at)];
-        if (first != u'\t' && first != CRtfObjectInfo::ObjectCharacter)
-        {
-            const auto font = line.EffectiveFont(at);
-            const auto colour = line.EffectiveTextColour(at);
-            const auto back = line.EffectiveBackColour(at);
-            while (end < rowEnd && text[static_cast<size_t>(end)] != u'\t' &&
-                   text[static_cast<size_t>(end)] != CRtfObjectInfo::ObjectCharacter &&
-                   isSelected(end) == isSelected(at) && line.EffectiveFont(end) == font &&
-                   line.EffectiveTextColour(end) == colour && line.EffectiveBackColour(end) == back)
-                ++end;
-        }
-        pieces.push_back({at, end});
-        at = end;
+        LogMessage(u"Error: Cannot load image file (file path: %s).", ToU16(path));
+        ShowMessage(m_Language ? m_Language->GetString(u"ERR_CANNOT_LOAD_FILE") : u"", EMsgIcon::Error);
+        return false;
     }
-
-    int32_t descent = Metrics(defaultFont).descent();
-    for (const SPiece& piece : pieces)
-        descent = std::max(descent, Metrics(line.EffectiveFont(piece.start).value_or(defaultFont)).descent());
-    const int32_t baseline = row.top + rowHeight - descent;
-
-    for (const SPiece& piece : pieces)
-    {
-        const int32_t x0 = xOf(piece.start);
-        const int32_t x1 = xOf(piece.end);
-        const QRect cell(x0, row.top, std::max(1, x1 - x0), rowHeight);
-        const bool selected = isSelected(piece.start);
-        const auto back = line.EffectiveBackColour(piece.start);
-        if (selected)
-            painter.fillRect(cell, palette().highlight());
-        else if (IsSetColour(back))
-            painter.fillRect(cell, FromColourRef(*back));
-        const char16_t first = text[static_cast<size_t>(piece.start)];
-        if (first == u'\t')
-            continue;
-        if (first == CRtfObjectInfo::ObjectCharacter)
-        {
-            // Pictures and attachment icons are drawn as their frames until the images are decoded.
-            painter.setPen(palette().mid().color());
-            painter.drawRect(cell.adjusted(0, 0, -1, -1));
-            continue;
-        }
-        const auto colour = line.EffectiveTextColour(piece.start);
-        painter.setPen(selected              ? palette().highlightedText().color()
-                       : IsSetColour(colour) ? FromColourRef(*colour)
-                                             : palette().text().color());
-        painter.setFont(ToQFont(line.EffectiveFont(piece.start).value_or(defaultFont)));
-        painter.drawText(QPoint(x0, baseline), ToQString(std::u16string_view(text).substr(
-                                                   static_cast<size_t>(piece.start),
-                                                   static_cast<size_t>(piece.end - piece.start))));
-    }
-
-    const SFxPosition caret = m_Edit.Caret();
-    if (m_CaretShown && hasFocus() && caret.line == row.lineIndex &&
-        line.RowOfLayoutPosition(caret.pos) == row.row)
-    {
-        const int32_t x = Margin + m_Edit.CaretX();
-        painter.fillRect(QRect(x, row.top, 1, rowHeight), palette().text());
-    }
+    m_Edit.InsertObject(std::move(*picture));
+    AfterEditing();
+    return true;
 }
 
-// ---- input ----
+bool CFxEditWidget::InsertAttachmentFile(const QString& path)
+{
+    if (m_Edit.IsReadOnly() || m_Edit.Mode() != CFxEdit::ModeRich)
+        return false;
+    SetStatusText(m_Language ? m_Language->GetString(u"MAIN_WND_STATUS_LOADING") : u"");
+    std::optional<CRtfObjectInfo> attachment = AttachmentObject(path);
+    SetStatusText(u"");
+    if (!attachment)
+    {
+        ShowMessage(m_Language ? m_Language->GetString(u"ERR_CANNOT_LOAD_FILE") : u"", EMsgIcon::Error);
+        return false;
+    }
+    m_Edit.InsertObject(std::move(*attachment));
+    AfterEditing();
+    return true;
+}
+
+bool CFxEditWidget::InsertMimeData(const QMimeData& mime)
+{
+    if (m_Edit.IsReadOnly())
+        return false;
+    // Files dragged from a file manager come as local URLs, often with their paths as text too:
+    // the files win, each becoming a picture or an attachment in turn.
+    if (mime.hasUrls() && m_Edit.Mode() == CFxEdit::ModeRich)
+    {
+        bool inserted = false;
+        for (const QUrl& url : mime.urls())
+            if (url.isLocalFile())
+                inserted = (IsImageFile(url.toLocalFile()) ? InsertImageFile(url.toLocalFile())
+                                                           : InsertAttachmentFile(url.toLocalFile())) ||
+                           inserted;
+        if (inserted)
+            return true;
+    }
+    CRichTextDocument document;
+    const EPastedForm form = ReadRichTextMimeData(mime, m_Edit.Settings().defaultFont, document);
+    if (form == EPastedForm::Nothing && mime.hasImage() && m_Edit.Mode() == CFxEdit::ModeRich)
+    {
+        if (std::optional<CRtfObjectInfo> picture = PictureObject(qvariant_cast<QImage>(mime.imageData())))
+        {
+            m_Edit.InsertObject(std::move(*picture));
+            AfterEditing();
+            return true;
+        }
+    }
+    if (form == EPastedForm::Nothing)
+        return false;
+    m_Edit.InsertDocument(document);
+    AfterEditing();
+    return true;
+}
+
+bool CFxEditWidget::RestoreImageSize()
+{
+    const CRtfObjectInfo* object = m_Edit.ObjectAtCaret();
+    if (m_Edit.IsReadOnly() || !object || !object->IsPicture() ||
+        (object->Param1() == 0 && object->Param2() == 0))
+        return false;
+    CRtfObjectInfo restored = *object;
+    restored.SetParam1(0);
+    restored.SetParam2(0);
+    // Replacing the object keeps its place; the selection around it is what the insertion
+    // replaces.
+    const SFxCharPosition at = m_Edit.ToCharPosition(m_Edit.Caret());
+    m_Edit.SetSelection(m_Edit.FromCharPosition({at.line, at.offset + 1}), m_Edit.Caret());
+    m_Edit.InsertObject(std::move(restored));
+    m_Edit.SetSelection(m_Edit.FromCharPosition({at.line, at.offset + 1}), m_Edit.FromCharPosition(at));
+    AfterEditing();
+    return true;
+}
+
+// ---- keyboard and input methods
+
+bool CFxEditWidget::event(QEvent* event)
+{
+    // Tab moves the focus in a dialog but indents in the editor: it is taken before the focus
+    // chain sees it, when the editor handles tabs.
+    if (event->type() == QEvent::KeyPress && m_Edit.TabsAllowed())
+    {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if ((key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab) &&
+            !key->modifiers().testFlag(Qt::ControlModifier))
+        {
+            keyPressEvent(key);
+            return true;
+        }
+    }
+    if (event->type() == QEvent::ToolTip)
+    {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const std::u16string link = LinkAt(help->pos());
+        int32_t line = 0;
+        const int32_t offset = link.empty() ? CharacterAt(help->pos(), line) : -1;
+        const CRtfObjectInfo* object = offset >= 0 ? m_Edit.Line(line).FindObject(offset) : nullptr;
+        if (!link.empty())
+            setToolTip(
+                ToQString(link) + u'\n' +
+                (m_Language ? ToQString(m_Language->GetString(u"EDITCTL_HYPERLINK_TOOLTIP")) : QString()));
+        else if (object && object->IsAttachment())
+            setToolTip(ToQString(object->FileName()));
+        else
+            setToolTip(QString());
+    }
+    return QWidget::event(event);
+}
 
 void CFxEditWidget::keyPressEvent(QKeyEvent* event)
 {
     const Qt::KeyboardModifiers modifiers = event->modifiers();
     const bool ctrl = modifiers.testFlag(Qt::ControlModifier);
-    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
+    const bool shift = modifiers.testFlag(Qt::ShiftModifier) || event->key() == Qt::Key_Backtab;
     const bool alt = modifiers.testFlag(Qt::AltModifier);
     const EFxKey key = ToFxKey(event->key());
-    if (key != EFxKey::Other || ctrl || alt)
+    if (key != EFxKey::Other || ctrl || alt || event->key() == Qt::Key_Insert)
     {
         m_Edit.OnKeyDown(key, event->key(), ctrl, shift, alt);
         AfterEditing();
@@ -407,6 +468,13 @@ void CFxEditWidget::keyPressEvent(QKeyEvent* event)
         return;
     }
     const QString text = event->text();
+    // Typing with nothing selected changes the caret's paragraph only: while that keeps its rows
+    // and the view stays where it was, only those rows are painted again.
+    const SFxPosition caret = m_Edit.Caret();
+    const bool inLine = m_Edit.IsSelectionEmpty() && m_Edit.LineCount() > 0;
+    const int32_t rows = inLine ? m_Edit.Line(caret.line).RowCount() : 0;
+    const SFxPosition top{m_Edit.TopLine(), m_Edit.TopRow()};
+    const int32_t lines = m_Edit.LineCount();
     bool typed = false;
     for (QChar c : text)
         if (IsTypedCharacter(c))
@@ -419,90 +487,98 @@ void CFxEditWidget::keyPressEvent(QKeyEvent* event)
         QWidget::keyPressEvent(event);
         return;
     }
+    m_Edit.EnsureCaretVisible();
+    if (inLine && m_Edit.Caret().line == caret.line && m_Edit.LineCount() == lines &&
+        m_Edit.Line(caret.line).RowCount() == rows && SFxPosition{m_Edit.TopLine(), m_Edit.TopRow()} == top)
+        AfterEditing(caret.line);
+    else
+        AfterEditing();
+    event->accept();
+}
+
+void CFxEditWidget::CommitText(const QString& text)
+{
+    if (text.isEmpty())
+        return;
+    if (text.size() == 1)
+        m_Edit.OnChar(text[0].unicode());
+    else
+        m_Edit.InsertText(ToU16(text));
+}
+
+void CFxEditWidget::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (m_Edit.IsReadOnly() || m_Edit.LineCount() == 0)
+    {
+        m_Preedit.clear();
+        event->ignore();
+        return;
+    }
+    if (event->replacementLength() > 0 && m_Edit.IsSelectionEmpty())
+    {
+        // The input method takes back text next to the caret (a reconversion): select it so that
+        // the commit replaces it.
+        const SFxCharPosition caret = m_Edit.ToCharPosition(m_Edit.Caret());
+        const int32_t length = m_Edit.Line(caret.line).Length();
+        const int32_t from = std::clamp(caret.offset + event->replacementStart(), 0, length);
+        const int32_t to = std::clamp(from + event->replacementLength(), 0, length);
+        m_Edit.SetSelection(m_Edit.FromCharPosition({caret.line, from}),
+                            m_Edit.FromCharPosition({caret.line, to}));
+    }
+    CommitText(event->commitString());
+    m_Preedit = event->preeditString();
     AfterEditing();
     event->accept();
 }
 
-SFxPosition CFxEditWidget::PositionAt(const QPoint& point) const
+QVariant CFxEditWidget::inputMethodQuery(Qt::InputMethodQuery query) const
 {
-    return m_Edit.HitTest(point.x() - Margin, point.y() - Margin);
-}
-
-void CFxEditWidget::mousePressEvent(QMouseEvent* event)
-{
-    if (event->button() != Qt::LeftButton || m_Edit.LineCount() == 0)
-        return QWidget::mousePressEvent(event);
-    const SFxPosition at = PositionAt(event->position().toPoint());
-    const bool extend = event->modifiers().testFlag(Qt::ShiftModifier);
-    m_Edit.SetSelection(extend ? m_Edit.Anchor() : at, at);
-    RestartCaretBlink();
-    update();
-}
-
-void CFxEditWidget::mouseMoveEvent(QMouseEvent* event)
-{
-    if (!(event->buttons() & Qt::LeftButton) || m_Edit.LineCount() == 0)
-        return QWidget::mouseMoveEvent(event);
-    m_Edit.SetSelection(m_Edit.Anchor(), PositionAt(event->position().toPoint()));
-    m_Edit.EnsureCaretVisible();
-    update();
-}
-
-void CFxEditWidget::mouseDoubleClickEvent(QMouseEvent* event)
-{
-    if (event->button() != Qt::LeftButton || m_Edit.LineCount() == 0)
-        return QWidget::mouseDoubleClickEvent(event);
-    m_Edit.SetCaret(PositionAt(event->position().toPoint()));
-    m_Edit.SelectWordAtCaret();
-    update();
-}
-
-void CFxEditWidget::wheelEvent(QWheelEvent* event)
-{
-    const int steps = event->angleDelta().y() / 40; // three rows per notch
-    if (steps != 0)
-        ScrollByRows(-steps);
-    event->accept();
-}
-
-void CFxEditWidget::ScrollByRows(int32_t rows)
-{
-    int32_t line = m_Edit.TopLine();
-    int32_t row = m_Edit.TopRow();
-    for (; rows > 0; --rows)
+    if (m_Edit.LineCount() == 0)
+        return QWidget::inputMethodQuery(query);
+    const SFxCharPosition caret = m_Edit.ToCharPosition(m_Edit.Caret());
+    const SFxCharPosition anchor = m_Edit.ToCharPosition(m_Edit.Anchor());
+    const COneLineInfo& line = m_Edit.Line(caret.line);
+    switch (query)
     {
-        if (row + 1 < m_Edit.Line(line).RowCount())
-            ++row;
-        else if (line + 1 < m_Edit.LineCount())
-        {
-            ++line;
-            row = 0;
-        }
+    case Qt::ImEnabled:
+        return !m_Edit.IsReadOnly();
+    case Qt::ImCursorRectangle:
+        return CaretRect();
+    case Qt::ImFont:
+        return Fonts(
+                   line.EffectiveFont(std::max(0, caret.offset - 1)).value_or(m_Edit.Settings().defaultFont))
+            .font;
+    case Qt::ImCursorPosition:
+        return caret.offset;
+    case Qt::ImAnchorPosition:
+        return anchor.line == caret.line ? anchor.offset : caret.offset;
+    case Qt::ImSurroundingText:
+        return ToQString(line.Text());
+    case Qt::ImCurrentSelection:
+        return anchor.line == caret.line ? ToQString(m_Edit.GetSelectedPlainText()) : QString();
+    case Qt::ImHints:
+        return static_cast<int>(Qt::ImhMultiLine);
+    default:
+        return QWidget::inputMethodQuery(query);
     }
-    for (; rows < 0; ++rows)
-    {
-        if (row > 0)
-            --row;
-        else if (line > 0)
-        {
-            --line;
-            row = m_Edit.Line(line).RowCount() - 1;
-        }
-    }
-    m_Edit.ScrollToRow(line, row);
-    update();
 }
+
+// ---- focus and size
 
 void CFxEditWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
+    const int scrollWidth = m_VScroll->sizeHint().width();
+    m_VScroll->setGeometry(width() - scrollWidth, 0, scrollWidth, height());
     m_Edit.OnResize();
+    SyncScrollBar();
 }
 
 void CFxEditWidget::focusInEvent(QFocusEvent* event)
 {
     QWidget::focusInEvent(event);
     RestartCaretBlink();
+    update();
 }
 
 void CFxEditWidget::focusOutEvent(QFocusEvent* event)
@@ -512,11 +588,35 @@ void CFxEditWidget::focusOutEvent(QFocusEvent* event)
     update();
 }
 
-void CFxEditWidget::AfterEditing()
+void CFxEditWidget::AfterEditing(std::optional<int32_t> onlyLine)
 {
     m_Edit.EnsureCaretVisible();
+    SyncScrollBar();
     RestartCaretBlink();
-    update();
+    if (onlyLine)
+    {
+        // The visible rows of the line, walked once from the top of the view.
+        QRect dirty;
+        int32_t line = m_Edit.TopLine();
+        int32_t row = m_Edit.TopRow();
+        for (int32_t top = Margin; top < height() && line <= *onlyLine;)
+        {
+            const int32_t rowHeight = m_Edit.Line(line).RowHeight(row);
+            if (line == *onlyLine)
+                dirty |= QRect(0, top, width(), rowHeight);
+            top += rowHeight;
+            if (++row >= m_Edit.Line(line).RowCount())
+            {
+                ++line;
+                row = 0;
+            }
+        }
+        update(dirty);
+    }
+    else
+        update();
+    QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImSurroundingText |
+                                           Qt::ImCursorPosition | Qt::ImAnchorPosition);
 }
 
 void CFxEditWidget::RestartCaretBlink()

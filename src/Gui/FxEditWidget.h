@@ -1,15 +1,27 @@
 #pragma once
 // The note editor on screen: a QWidget that paints a CFxEdit row by row (fonts, colours,
-// selection, blinking caret), feeds it keys and mouse clicks, and answers its host questions
-// with Qt (text measurement by QFontMetrics, the system clipboard, message boxes).
+// selection, blinking caret, bullets, pictures, attachment icons, underlined links), feeds it
+// keys, input method text and mouse gestures, scrolls it by rows, exchanges text and files by
+// drag and drop and the clipboard, and answers its host questions with Qt.
 #include "Shared/FxEdit/FxEdit.h"
 
+#include <QElapsedTimer>
 #include <QFont>
 #include <QFontMetrics>
+#include <QImage>
+#include <QPoint>
 #include <QTimer>
 #include <QWidget>
 
 #include <map>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+class QMenu;
+class QMimeData;
+class QScrollBar;
+struct SLineLayoutContext;
 
 class CFxEditWidget : public QWidget, public IFxEditHost
 {
@@ -18,13 +30,34 @@ class CFxEditWidget : public QWidget, public IFxEditHost
 public:
     // The editor looks its texts up in `language`, which outlives the widget.
     explicit CFxEditWidget(const CLanguageModule* language, QWidget* parent = nullptr);
+    ~CFxEditWidget() override;
 
     CFxEdit& Edit() { return m_Edit; }
+    const CFxEdit& Edit() const { return m_Edit; }
     void SetDocument(const CRichTextDocument& document);
     // Runs one of the editor's key-binding actions (undo, copy...) and repaints.
     void RunAction(int32_t action);
 
+    // The context menu for the caret as it stands, its entries in the designed order.
+    std::unique_ptr<QMenu> CreateContextMenu();
+    // Text or files as a paste or a drop brings them, inserted at the caret: files become
+    // pictures when they hold an image and attachments otherwise; false when nothing was usable.
+    bool InsertMimeData(const QMimeData& mime);
+    bool InsertImageFile(const QString& path);
+    bool InsertAttachmentFile(const QString& path);
+    // Gives a selected picture the size of its bitmap again.
+    bool RestoreImageSize();
+
+    // The web link under `point` (widget coordinates), or empty.
+    std::u16string LinkAt(const QPoint& point) const;
+    // The point's place in the text, as a click there puts the caret.
+    SFxPosition PositionAt(const QPoint& point) const;
+    // The rectangle of the caret in widget coordinates; empty when it is scrolled out of view.
+    QRect CaretRect() const;
+    QScrollBar* VerticalScrollBar() const { return m_VScroll; }
+
     static QFont ToQFont(const SFontDescription& font);
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
     // IFxEditHost
     SFxExtent MeasureText(std::u16string_view text, const SFontDescription& font) override;
@@ -49,34 +82,98 @@ public:
 signals:
     void TextModified();
     void StatusTextChanged(const QString& text);
+    // A link was Ctrl+clicked; the widget opens it unless a receiver is connected.
+    void LinkActivated(const QString& link);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
     struct SRowPaint;
+    struct SFontCache
+    {
+        QFont font;
+        QFontMetrics metrics;
+    };
+    enum class EClickUnit
+    {
+        Character,
+        Word,
+        Line
+    };
 
-    const QFontMetrics& Metrics(const SFontDescription& font);
+    // Painting (FxEditWidgetPaint.cpp).
+    const SFontCache& Fonts(const SFontDescription& font) const;
     void PaintRow(QPainter& painter, const SRowPaint& row);
-    void AfterEditing();
-    void RestartCaretBlink();
+    void PaintObject(QPainter& painter, const CRtfObjectInfo& object, const QRect& cell, int32_t bottom);
+    QImage PictureImage(const CRtfObjectInfo& object);
+    QRect RowRect(int32_t line, int32_t row) const; // empty when out of view
+    // The visible row at height `y` (widget coordinates) and its top; false below the text.
+    bool RowAtY(int32_t y, int32_t& line, int32_t& row, int32_t& top) const;
+    SLineLayoutContext LayoutContext() const;
+    int32_t XOf(int32_t line, int32_t row, int32_t offset) const;
+    // The character offset under the point when the point lies on a character, or -1.
+    int32_t CharacterAt(const QPoint& point, int32_t& line) const;
+
+    // Mouse and scrolling (FxEditWidgetMouse.cpp).
+    void ExtendMouseSelection(const QPoint& point);
+    void AutoScrollStep();
     void ScrollByRows(int32_t rows);
-    SFxPosition PositionAt(const QPoint& point) const;
+    void ScrollToAbsoluteRow(int32_t row);
+    int32_t AbsoluteTopRow() const;
+    void SyncScrollBar();
+    void SelectObjectAt(SFxPosition position);
+    void OpenLink(const std::u16string& link);
+    bool DropMimeData(const QMimeData& mime, SFxPosition at, bool moveOwnSelection);
+
+    // Scrolls to the caret and repaints: all of the view, or only the rows of `onlyLine` when
+    // nothing else can have changed.
+    void AfterEditing(std::optional<int32_t> onlyLine = std::nullopt);
+    void RestartCaretBlink();
+    void CommitText(const QString& text);
 
     static constexpr int Margin = 4;
 
     const CLanguageModule* m_Language;
     // Built before the editor, whose constructor already measures text through this widget.
-    std::map<SFontDescription, QFontMetrics> m_Metrics;
+    mutable std::map<SFontDescription, SFontCache> m_Fonts;
+    QScrollBar* m_VScroll = nullptr;
     CFxEdit m_Edit;
     QTimer m_CaretTimer;
     bool m_CaretShown = true;
+    QString m_Preedit;
+
+    // Mouse gestures: the unit a drag extends by, the span the gesture began on, a click that may
+    // become a drag of the selection, and the last double click for telling a triple click.
+    EClickUnit m_ClickUnit = EClickUnit::Character;
+    bool m_Selecting = false;
+    SFxPosition m_GestureStart;
+    SFxPosition m_GestureEnd;
+    std::optional<QPoint> m_DragFrom;
+    QElapsedTimer m_SinceDoubleClick;
+    QPoint m_DoubleClickAt;
+    QTimer m_AutoScroll;
+    QPoint m_LastMouse;
+    std::optional<SFxPosition> m_DropCaret;
+    bool m_DraggingOut = false;
+    int m_WheelRemainder = 0;
+
+    // Decoded pictures by a hash of their bitmap bytes, so that painting decodes each once.
+    std::unordered_map<size_t, QImage> m_Pictures;
 };
