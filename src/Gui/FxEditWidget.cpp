@@ -401,19 +401,8 @@ bool CFxEditWidget::InsertMimeData(const QMimeData& mime)
 
 bool CFxEditWidget::RestoreImageSize()
 {
-    const CRtfObjectInfo* object = m_Edit.ObjectAtCaret();
-    if (m_Edit.IsReadOnly() || !object || !object->IsPicture() ||
-        (object->Param1() == 0 && object->Param2() == 0))
+    if (!m_Edit.RestoreImageSize())
         return false;
-    CRtfObjectInfo restored = *object;
-    restored.SetParam1(0);
-    restored.SetParam2(0);
-    // Replacing the object keeps its place; the selection around it is what the insertion
-    // replaces.
-    const SFxCharPosition at = m_Edit.ToCharPosition(m_Edit.Caret());
-    m_Edit.SetSelection(m_Edit.FromCharPosition({at.line, at.offset + 1}), m_Edit.Caret());
-    m_Edit.InsertObject(std::move(restored));
-    m_Edit.SetSelection(m_Edit.FromCharPosition({at.line, at.offset + 1}), m_Edit.FromCharPosition(at));
     AfterEditing();
     return true;
 }

@@ -45,7 +45,7 @@ public:
     bool InsertMimeData(const QMimeData& mime);
     bool InsertImageFile(const QString& path);
     bool InsertAttachmentFile(const QString& path);
-    // Gives a selected picture the size of its bitmap again.
+    // Gives the selected picture (or the one right of the caret) its bitmap's size again.
     bool RestoreImageSize();
 
     // The web link under `point` (widget coordinates), or empty.
