@@ -9,6 +9,7 @@
 #include <QFont>
 #include <QFontMetrics>
 #include <QImage>
+#include <QPixmap>
 #include <QPoint>
 #include <QTimer>
 #include <QWidget>
@@ -45,6 +46,9 @@ public:
     bool InsertMimeData(const QMimeData& mime);
     bool InsertImageFile(const QString& path);
     bool InsertAttachmentFile(const QString& path);
+    // The selection dragged to `at` within this editor: taken out and put in there, selected;
+    // false when `at` lies inside it.
+    bool MoveSelectionTo(SFxPosition at);
     // Gives the selected picture (or the one right of the caret) its bitmap's size again.
     bool RestoreImageSize();
 
@@ -176,4 +180,6 @@ private:
 
     // Decoded pictures by a hash of their bitmap bytes, so that painting decodes each once.
     std::unordered_map<size_t, QImage> m_Pictures;
+    // Attachment icons by file name extension.
+    std::map<QString, QPixmap> m_AttachmentIcons;
 };

@@ -407,30 +407,34 @@ void CFxEditWidget::dropEvent(QDropEvent* event)
     update();
 }
 
+bool CFxEditWidget::MoveSelectionTo(SFxPosition at)
+{
+    if (m_Edit.IsReadOnly() || m_Edit.IsSelectionEmpty() ||
+        (at > m_Edit.SelectionStart() && at < m_Edit.SelectionEnd()))
+        return false;
+    const CRichTextDocument moved = m_Edit.GetSelection();
+    const SFxCharPosition start = m_Edit.ToCharPosition(m_Edit.SelectionStart());
+    const SFxCharPosition end = m_Edit.ToCharPosition(m_Edit.SelectionEnd());
+    SFxCharPosition target = m_Edit.ToCharPosition(at);
+    // Taking the selection out first moves a target behind it by what it held.
+    if (target.line > end.line || (target.line == end.line && target.offset >= end.offset))
+        target = target.line == end.line
+                     ? SFxCharPosition{start.line, start.offset + target.offset - end.offset}
+                     : SFxCharPosition{target.line - (end.line - start.line), target.offset};
+    m_Edit.DeleteSelection();
+    m_Edit.SetCaret(m_Edit.FromCharPosition(target));
+    m_Edit.InsertDocument(moved);
+    m_Edit.SetSelection(m_Edit.FromCharPosition(target), m_Edit.Caret());
+    AfterEditing();
+    return true;
+}
+
 bool CFxEditWidget::DropMimeData(const QMimeData& mime, SFxPosition at, bool moveOwnSelection)
 {
     if (m_Edit.IsReadOnly())
         return false;
     if (moveOwnSelection && !m_Edit.IsSelectionEmpty())
-    {
-        if (at > m_Edit.SelectionStart() && at < m_Edit.SelectionEnd())
-            return false;
-        const CRichTextDocument moved = m_Edit.GetSelection();
-        const SFxCharPosition start = m_Edit.ToCharPosition(m_Edit.SelectionStart());
-        const SFxCharPosition end = m_Edit.ToCharPosition(m_Edit.SelectionEnd());
-        SFxCharPosition target = m_Edit.ToCharPosition(at);
-        // Taking the selection out first moves a target behind it by what it held.
-        if (target.line > start.line || (target.line == start.line && target.offset >= start.offset))
-            target = target.line == end.line
-                         ? SFxCharPosition{start.line, start.offset + target.offset - end.offset}
-                         : SFxCharPosition{target.line - (end.line - start.line), target.offset};
-        m_Edit.DeleteSelection();
-        m_Edit.SetCaret(m_Edit.FromCharPosition(target));
-        m_Edit.InsertDocument(moved);
-        m_Edit.SetSelection(m_Edit.FromCharPosition(target), m_Edit.Caret());
-        AfterEditing();
-        return true;
-    }
+        return MoveSelectionTo(at);
     m_Edit.SetCaret(at);
     return InsertMimeData(mime);
 }

@@ -7,7 +7,6 @@
 #include "Shared/Clipboard/LinkDetection.h"
 #include "Shared/FxEdit/LineLayout.h"
 
-#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QMimeDatabase>
 #include <QPaintEvent>
@@ -317,7 +316,7 @@ void CFxEditWidget::PaintRow(QPainter& painter, const SRowPaint& row)
         if (bulleted && piece.start == 0)
         {
             const QFontMetrics& metrics = Fonts(font).metrics;
-            const int radius = std::max(2, metrics.ascent() / 6);
+            const int radius = std::max(2, metrics.ascent() / 5);
             const QPoint centre(x0 + std::max(radius, (x1 - x0) / 2), baseline - metrics.ascent() / 3);
             painter.setPen(Qt::NoPen);
             painter.setBrush(pen);
@@ -385,15 +384,22 @@ void CFxEditWidget::PaintObject(QPainter& painter, const CRtfObjectInfo& object,
         painter.drawImage(box, image);
         return;
     }
-    // Attachments show the icon the desktop gives files of their kind.
-    const QString name = ToQString(object.FileName());
-    QIcon icon =
-        QIcon::fromTheme(QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).iconName());
-    if (icon.isNull())
-        icon = QFileIconProvider().icon(QFileInfo(name));
-    if (icon.isNull())
-        icon = style()->standardIcon(QStyle::SP_FileIcon);
-    icon.paint(&painter, box);
+    // Attachments show the icon the desktop gives files of their kind, the plain file icon when
+    // the desktop has none (no icon theme), and their name as a tooltip.
+    const QString suffix = QFileInfo(ToQString(object.FileName())).suffix().toLower();
+    auto found = m_AttachmentIcons.find(suffix);
+    if (found == m_AttachmentIcons.end())
+    {
+        const QString iconName =
+            QMimeDatabase()
+                .mimeTypeForFile(QStringLiteral("a.") + suffix, QMimeDatabase::MatchExtension)
+                .iconName();
+        QPixmap pixmap = QIcon::fromTheme(iconName).pixmap(box.size());
+        if (pixmap.isNull())
+            pixmap = style()->standardIcon(QStyle::SP_FileIcon).pixmap(box.size());
+        found = m_AttachmentIcons.emplace(suffix, pixmap).first;
+    }
+    painter.drawPixmap(box, found->second);
 }
 
 QImage CFxEditWidget::PictureImage(const CRtfObjectInfo& object)

@@ -20,6 +20,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+
 namespace
 {
 const SFontDescription TestFont = SFontDescription::Make(u"DejaVu Sans", 12);
@@ -387,4 +390,78 @@ TEST_F(EditorWidget, TheContextMenuListsItsEntriesInOrderWithObjectEntriesForThe
     EXPECT_EQ(m_Widget.Edit().Caret(), (SFxPosition{0, 3}));
     expected.back().second = false;
     EXPECT_EQ(entries(), expected);
+}
+
+TEST_F(EditorWidget, MovingTheSelectionWithinTheEditorMatchesCuttingAndPastingInAString)
+{
+    // Positions are whole-text indexes into the model string, whose paragraphs end with '\n'.
+    std::mt19937 random(1234);
+    const std::u16string start = u"one two\nthree four five\n\nsix seven eight nine ten eleven twelve\nx";
+    std::u16string model = start;
+    SetText(start);
+    CFxEdit& edit = m_Widget.Edit();
+    const auto toPosition = [&](size_t index)
+    {
+        const int32_t line = static_cast<int32_t>(std::count(model.begin(), model.begin() + index, u'\n'));
+        const size_t lineStart = model.rfind(u'\n', index == 0 ? std::u16string::npos : index - 1);
+        const size_t offset = lineStart == std::u16string::npos || index == 0 ? index : index - lineStart - 1;
+        return edit.FromCharPosition({line, static_cast<int32_t>(offset)});
+    };
+    const auto plain = [&]
+    {
+        std::u16string text = edit.GetPlainText();
+        std::erase(text, u'\r');
+        return text;
+    };
+    for (int step = 0; step < 200; ++step)
+    {
+        std::uniform_int_distribution<size_t> anywhere(0, model.size());
+        size_t from = anywhere(random);
+        size_t to = anywhere(random);
+        if (from == to)
+            continue;
+        if (random() % 2)
+            std::swap(from, to);
+        const size_t target = anywhere(random);
+        const size_t low = std::min(from, to);
+        const size_t high = std::max(from, to);
+        edit.SetSelection(toPosition(from), toPosition(to));
+        const bool inside = target > low && target < high;
+        ASSERT_EQ(m_Widget.MoveSelectionTo(toPosition(target)), !inside) << step;
+        if (inside)
+            continue;
+        const std::u16string moved = model.substr(low, high - low);
+        model.erase(low, high - low);
+        const size_t at = target >= high ? target - moved.size() : target;
+        model.insert(at, moved);
+        ASSERT_EQ(plain(), model) << step;
+        std::u16string selected = edit.GetSelectedPlainText();
+        std::erase(selected, u'\r');
+        EXPECT_EQ(selected, moved) << step;
+        EXPECT_EQ(edit.SelectionStart(), toPosition(at)) << step;
+    }
+}
+
+TEST_F(EditorWidget, TooltipsNameTheLinkOrTheAttachmentUnderTheMouse)
+{
+    m_Widget.resize(700, 100);
+    CRtfTextLine line(u"go http://q.example/ \x14");
+    CRtfObjectInfo attachment(CRtfObjectInfo::AttachmentType, 21);
+    attachment.SetFileName(u"plan.pdf");
+    line.AddObject(attachment);
+    CRichTextDocument document;
+    document.AppendLine(line);
+    m_Widget.SetDocument(document);
+    const QFontMetrics metrics(CFxEditWidget::ToQFont(TestFont), &m_Widget);
+    const auto tipAt = [&](int x)
+    {
+        QHelpEvent help(QEvent::ToolTip, QPoint(x, 20), m_Widget.mapToGlobal(QPoint(x, 20)));
+        QApplication::sendEvent(&m_Widget, &help);
+        return m_Widget.toolTip();
+    };
+    EXPECT_EQ(tipAt(4 + metrics.horizontalAdvance(QStringLiteral("go http"))),
+              QStringLiteral("http://q.example/\nCtrl+Click to follow the link"));
+    EXPECT_EQ(tipAt(4 + metrics.horizontalAdvance(QStringLiteral("go http://q.example/ ")) + 16),
+              QStringLiteral("plan.pdf"));
+    EXPECT_EQ(tipAt(5), QString());
 }
