@@ -188,7 +188,7 @@ bool CFxEditWidget::GetClipboard(SFxClipboardData& data)
     data.plainText = ToU16(mime->text());
     data.richText.clear();
     CRichTextDocument document;
-    const EPastedForm form = ReadRichTextMimeData(*mime, m_Edit.Settings().defaultFont, document);
+    const EPastedForm form = DocumentFromMime(*mime, document);
     if (form == EPastedForm::OwnRichText || form == EPastedForm::Rtf || form == EPastedForm::Html)
     {
         CArchiveWriter writer;
@@ -328,70 +328,70 @@ std::unique_ptr<QMenu> CFxEditWidget::CreateContextMenu()
     return menu;
 }
 
-bool CFxEditWidget::InsertImageFile(const QString& path)
+EPastedForm CFxEditWidget::DocumentFromMime(const QMimeData& mime, CRichTextDocument& document)
 {
-    if (m_Edit.IsReadOnly() || m_Edit.Mode() != CFxEdit::ModeRich)
-        return false;
-    SetStatusText(m_Language ? m_Language->GetString(u"MAIN_WND_STATUS_LOADING") : u"");
-    const QImage image(path);
-    SetStatusText(u"");
-    std::optional<CRtfObjectInfo> picture = PictureObject(image);
-    if (!picture)
+    const bool rich = m_Edit.Mode() == CFxEdit::ModeRich;
+    // Files copied or dragged from a file manager come as local URLs, often with their paths as
+    // text too: the files win, each becoming a picture or an attachment.
+    if (rich && mime.hasUrls())
     {
-        LogMessage(u"Error: Cannot load image file (file path: %s).", ToU16(path));
-        ShowMessage(m_Language ? m_Language->GetString(u"ERR_CANNOT_LOAD_FILE") : u"", EMsgIcon::Error);
-        return false;
+        CRtfTextLine line;
+        bool failed = false;
+        for (const QUrl& url : mime.urls())
+        {
+            if (!url.isLocalFile())
+                continue;
+            const QString path = url.toLocalFile();
+            std::optional<CRtfObjectInfo> object;
+            if (IsImageFile(path))
+            {
+                object = PictureObject(QImage(path));
+                if (!object)
+                    LogMessage(u"Error: Cannot load image file (file path: %s).", ToU16(path));
+            }
+            else
+                object = AttachmentObject(path);
+            if (!object)
+            {
+                failed = true;
+                continue;
+            }
+            object->SetPosition(static_cast<int32_t>(line.Text().size()));
+            line.SetText(line.Text() + CRtfObjectInfo::ObjectCharacter);
+            line.AddObject(std::move(*object));
+        }
+        if (failed)
+            ShowMessage(m_Language ? m_Language->GetString(u"ERR_CANNOT_LOAD_FILE") : u"", EMsgIcon::Error);
+        if (!line.Text().empty())
+        {
+            document.Clear();
+            document.AppendLine(std::move(line));
+            return EPastedForm::OwnRichText;
+        }
     }
-    m_Edit.InsertObject(std::move(*picture));
-    AfterEditing();
-    return true;
-}
-
-bool CFxEditWidget::InsertAttachmentFile(const QString& path)
-{
-    if (m_Edit.IsReadOnly() || m_Edit.Mode() != CFxEdit::ModeRich)
-        return false;
-    SetStatusText(m_Language ? m_Language->GetString(u"MAIN_WND_STATUS_LOADING") : u"");
-    std::optional<CRtfObjectInfo> attachment = AttachmentObject(path);
-    SetStatusText(u"");
-    if (!attachment)
+    const EPastedForm form = ReadRichTextMimeData(mime, m_Edit.Settings().defaultFont, document);
+    if (form == EPastedForm::Nothing && rich && mime.hasImage())
     {
-        ShowMessage(m_Language ? m_Language->GetString(u"ERR_CANNOT_LOAD_FILE") : u"", EMsgIcon::Error);
-        return false;
+        if (std::optional<CRtfObjectInfo> picture = PictureObject(qvariant_cast<QImage>(mime.imageData())))
+        {
+            CRtfTextLine line(std::u16string(1, CRtfObjectInfo::ObjectCharacter));
+            line.AddObject(std::move(*picture));
+            document.Clear();
+            document.AppendLine(std::move(line));
+            return EPastedForm::OwnRichText;
+        }
     }
-    m_Edit.InsertObject(std::move(*attachment));
-    AfterEditing();
-    return true;
+    return form;
 }
 
 bool CFxEditWidget::InsertMimeData(const QMimeData& mime)
 {
     if (m_Edit.IsReadOnly())
         return false;
-    // Files dragged from a file manager come as local URLs, often with their paths as text too:
-    // the files win, each becoming a picture or an attachment in turn.
-    if (mime.hasUrls() && m_Edit.Mode() == CFxEdit::ModeRich)
-    {
-        bool inserted = false;
-        for (const QUrl& url : mime.urls())
-            if (url.isLocalFile())
-                inserted = (IsImageFile(url.toLocalFile()) ? InsertImageFile(url.toLocalFile())
-                                                           : InsertAttachmentFile(url.toLocalFile())) ||
-                           inserted;
-        if (inserted)
-            return true;
-    }
     CRichTextDocument document;
-    const EPastedForm form = ReadRichTextMimeData(mime, m_Edit.Settings().defaultFont, document);
-    if (form == EPastedForm::Nothing && mime.hasImage() && m_Edit.Mode() == CFxEdit::ModeRich)
-    {
-        if (std::optional<CRtfObjectInfo> picture = PictureObject(qvariant_cast<QImage>(mime.imageData())))
-        {
-            m_Edit.InsertObject(std::move(*picture));
-            AfterEditing();
-            return true;
-        }
-    }
+    SetStatusText(m_Language ? m_Language->GetString(u"MAIN_WND_STATUS_LOADING") : u"");
+    const EPastedForm form = DocumentFromMime(mime, document);
+    SetStatusText(u"");
     if (form == EPastedForm::Nothing)
         return false;
     m_Edit.InsertDocument(document);

@@ -3,6 +3,7 @@
 // selection, blinking caret, bullets, pictures, attachment icons, underlined links), feeds it
 // keys, input method text and mouse gestures, scrolls it by rows, exchanges text and files by
 // drag and drop and the clipboard, and answers its host questions with Qt.
+#include "Gui/GuiClipboard.h"
 #include "Shared/FxEdit/FxEdit.h"
 
 #include <QElapsedTimer>
@@ -44,8 +45,6 @@ public:
     // Text or files as a paste or a drop brings them, inserted at the caret: files become
     // pictures when they hold an image and attachments otherwise; false when nothing was usable.
     bool InsertMimeData(const QMimeData& mime);
-    bool InsertImageFile(const QString& path);
-    bool InsertAttachmentFile(const QString& path);
     // The selection dragged to `at` within this editor: taken out and put in there, selected;
     // false when `at` lies inside it.
     bool MoveSelectionTo(SFxPosition at);
@@ -148,6 +147,9 @@ private:
 
     // Scrolls to the caret and repaints: all of the view, or only the rows of `onlyLine` when
     // nothing else can have changed.
+    // What a paste or a drop of `mime` inserts: its files as pictures and attachments, else its
+    // richest readable text, else its image; the form that was read.
+    EPastedForm DocumentFromMime(const QMimeData& mime, CRichTextDocument& document);
     void AfterEditing(std::optional<int32_t> onlyLine = std::nullopt);
     void RestartCaretBlink();
     void CommitText(const QString& text);
