@@ -1,5 +1,6 @@
 #include "Gui/FxEditWidget.h"
 
+#include "Gui/FindReplaceDialog.h"
 #include "Gui/GuiClipboard.h"
 #include "Gui/GuiPictures.h"
 #include "Gui/QtText.h"
@@ -250,10 +251,9 @@ int32_t CFxEditWidget::TranslateKey(EFxKey key, int32_t platformKey, bool ctrl, 
 
 bool CFxEditWidget::RunFindReplaceDialog(SFxFindReplaceRequest& request)
 {
-    // The find and replace dialog belongs to the main window; without it the request stays
-    // cancelled.
-    request.result = SFxFindReplaceRequest::Cancelled;
-    return false;
+    const bool done = ::RunFindReplaceDialog(request, m_Language, this);
+    setFocus();
+    return done;
 }
 
 bool CFxEditWidget::AskFileName(bool save, std::u16string_view, const std::u16string& caption,

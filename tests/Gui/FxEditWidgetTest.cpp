@@ -3,24 +3,31 @@
 // and the context menu.
 #include "Gui/FxEditWidget.h"
 #include "App/EnglishStrings.h"
+#include "Gui/FindReplaceDialog.h"
 #include "Gui/GuiPictures.h"
 #include "Gui/QtText.h"
 #include "Shared/LanguagesMgr/LanguageModule.h"
 #include "Support/TempFolder.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QDropEvent>
 #include <QFile>
 #include <QInputMethodEvent>
+#include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScrollBar>
+#include <QTimer>
 #include <QUrl>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 namespace
@@ -464,4 +471,74 @@ TEST_F(EditorWidget, TooltipsNameTheLinkOrTheAttachmentUnderTheMouse)
     EXPECT_EQ(tipAt(4 + metrics.horizontalAdvance(QStringLiteral("go http://q.example/ ")) + 16),
               QStringLiteral("plan.pdf"));
     EXPECT_EQ(tipAt(5), QString());
+}
+
+TEST_F(EditorWidget, FindAndReplaceRunThroughTheDialogAndRememberTheirTexts)
+{
+    SetText(u"a cat, a Cat\r\nand a cat");
+    CFxEdit& edit = m_Widget.Edit();
+    // Answers the next modal dialog from within its own loop.
+    const auto whenShown = [](std::function<void(QWidget*)> act)
+    {
+        QTimer::singleShot(0,
+                           [act]
+                           {
+                               QWidget* modal = QApplication::activeModalWidget();
+                               ASSERT_NE(modal, nullptr);
+                               act(modal);
+                           });
+    };
+    const auto button = [](QWidget* dialog, const QString& text)
+    {
+        for (QPushButton* candidate : dialog->findChildren<QPushButton*>())
+            if (candidate->text() == text)
+                return candidate;
+        ADD_FAILURE() << "no button " << text.toStdString();
+        return static_cast<QPushButton*>(nullptr);
+    };
+
+    whenShown(
+        [&](QWidget* dialog)
+        {
+            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Find"));
+            auto* find = static_cast<CFindReplaceDlg*>(dialog);
+            EXPECT_EQ(find->FindEdit()->text(), QString());
+            EXPECT_FALSE(button(dialog, QStringLiteral("Find Next"))->isEnabled());
+            find->FindEdit()->setText(QStringLiteral("cat"));
+            button(dialog, QStringLiteral("Find Next"))->click();
+        });
+    m_Widget.RunAction(CFxEdit::ActionFind);
+    EXPECT_EQ(Selected(), u"cat");
+    EXPECT_EQ(edit.ToCharPosition(edit.SelectionStart()).offset, 2);
+    EXPECT_EQ(CFindReplaceDlg::Memory().findLine, u"cat");
+
+    // Replace all, case-sensitive: the remembered find text comes back, the count is shown.
+    edit.SetCaret({0, 0});
+    whenShown(
+        [&](QWidget* dialog)
+        {
+            auto* replace = static_cast<CFindReplaceDlg*>(dialog);
+            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Replace"));
+            EXPECT_EQ(replace->FindEdit()->text(), QStringLiteral("cat"));
+            replace->ReplaceEdit()->setText(QStringLiteral("dog"));
+            dialog->findChild<QCheckBox*>()->setChecked(true);
+            whenShown(
+                [](QWidget* box)
+                {
+                    EXPECT_EQ(static_cast<QMessageBox*>(box)->text(),
+                              QStringLiteral("2 occurrences have been replaced."));
+                    box->close();
+                });
+            button(dialog, QStringLiteral("Replace All"))->click();
+        });
+    m_Widget.RunAction(CFxEdit::ActionReplace);
+    EXPECT_EQ(edit.GetPlainText(), u"a dog, a Cat\r\nand a dog");
+    EXPECT_TRUE(CFindReplaceDlg::Memory().matchCase);
+    EXPECT_EQ(CFindReplaceDlg::Memory().replaceLine, u"dog");
+
+    // Cancel changes nothing and forgets nothing.
+    whenShown([&](QWidget* dialog) { button(dialog, QStringLiteral("Cancel"))->click(); });
+    m_Widget.RunAction(CFxEdit::ActionReplace);
+    EXPECT_EQ(edit.GetPlainText(), u"a dog, a Cat\r\nand a dog");
+    EXPECT_EQ(CFindReplaceDlg::Memory().findLine, u"cat");
 }
