@@ -21,6 +21,9 @@ public:
     // record's plain text field, leaving the rich text in storage.
     bool GetPlainText(std::u16string& text) override;
     bool IsTextLoaded() const { return m_Text != nullptr; }
+    // The store GetPlainText would read the text from, or null when it would not read the store
+    // (the text is in memory, or the note is not stored); lets a search read many texts at once.
+    CItemRecords* StoredTextSource() const { return m_Text || GetId().IsZero() ? nullptr : m_Records; }
     // Forgets the text in memory; the next GetRichText reads it again.
     void UnloadText() { m_Text.reset(); }
 

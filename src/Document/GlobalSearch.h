@@ -8,7 +8,9 @@
 // an excluded word, or that satisfies the query by itself, keeps the note out of the list.
 //
 // A note's plain text is read only for the moment it is matched and released right after, so a
-// search of a large document adds no more than one note's text to the memory in use.
+// search of a large document keeps no texts in memory. Stored texts are read for a batch of
+// notes at a time, in the order they lie in the file, so the whole search reads the file in
+// large sequential pieces; results are still listed in tree order.
 #include "Document/Item.h"
 #include "Shared/TextSearch/SearchStatus.h"
 #include "Shared/TextSearch/TextSearch.h"
@@ -19,6 +21,7 @@
 #include <vector>
 
 class CFolderBase;
+class CItemRecords;
 class CNoteBase;
 
 // One row of the result list; the item belongs to the tree.
@@ -57,13 +60,33 @@ public:
     static bool FolderMatches(const CTextSearch& search, const CFolderBase& folder);
 
 private:
+    enum class EVerdict : uint8_t
+    {
+        Listed,
+        NotListed,
+        ByText // decided by the note's stored text, read with the rest of its batch
+    };
+    struct SBatchEntry
+    {
+        CItem* item;
+        EVerdict verdict;
+        CItemRecords* textSource;
+    };
+
+    // What the caption alone decides about a note: Listed, NotListed, or ByText when the text
+    // must be matched.
+    static EVerdict CaptionVerdict(const CTextSearch& search, const CNoteBase& note);
+    static bool TextMatches(const CTextSearch& search, std::u16string_view text);
+
     // The items below and including `item` that are in memory (a child counts when its kind is
     // loaded in its folder). Counted without recursion and given up as soon as the run is
     // cancelled, so a large tree answers Cancel while it is still being counted.
     uint64_t CountSubtree(const CItem& item) const;
     // The walk keeps its own stack, so a deep tree cannot exhaust the thread's stack.
     void Walk();
-    void SearchItem(CItem& item);
+    SBatchEntry Examine(CItem& item);
+    void ReadBatchTexts();
+    void FinishBatch();
     void PushChildren(CFolderBase& folder);
     bool PrepareChildren(CFolderBase& folder);
     void ReportProgress();
@@ -73,4 +96,5 @@ private:
     ProgressCallback m_Progress;
     std::vector<SSearchResultEntry> m_Results;
     std::vector<CItem*> m_Pending;
+    std::vector<SBatchEntry> m_Batch; // examined items in walk order, not yet listed or counted
 };

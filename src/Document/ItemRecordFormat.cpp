@@ -6,6 +6,10 @@
 #include <bit>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
 namespace ItemRecordFormat
 {
 namespace
@@ -52,17 +56,45 @@ std::vector<uint8_t> EncodeText(std::u16string_view text)
     return out;
 }
 
-std::u16string DecodeText(std::span<const uint8_t> data)
+size_t DecodeTextInto(std::span<const uint8_t> data, char16_t* out)
 {
-    // Texts are long (search reads every note's), so the units are found and copied in bulk:
-    // the stored bytes are UTF-16LE, which is the machine's own order on every platform we build for.
+    // Search decodes every note's text, so the units are copied and tested for zero eight at a
+    // time. The stored bytes are UTF-16LE, the machine's own order on every platform we build for.
     static_assert(std::endian::native == std::endian::little);
     const size_t units = data.size() / 2;
-    std::u16string text(units, u'\0');
-    std::memcpy(text.data(), data.data(), units * 2);
-    const size_t end = text.find(u'\0');
-    if (end != std::u16string::npos)
-        text.resize(end);
+    const uint8_t* in = data.data();
+    size_t i = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    for (; i + 8 <= units; i += 8)
+    {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 2 * i));
+        const int zeros = _mm_movemask_epi8(_mm_cmpeq_epi16(block, zero));
+        if (zeros != 0)
+        {
+            // Two mask bits per unit; the lowest set bit is the first zero unit's low byte.
+            const size_t end = i + static_cast<size_t>(std::countr_zero(static_cast<unsigned>(zeros))) / 2;
+            std::memcpy(out + i, in + 2 * i, 2 * (end - i));
+            return end;
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), block);
+    }
+#endif
+    for (; i < units; ++i)
+    {
+        char16_t unit;
+        std::memcpy(&unit, in + 2 * i, 2);
+        if (unit == u'\0')
+            return i;
+        out[i] = unit;
+    }
+    return units;
+}
+
+std::u16string DecodeText(std::span<const uint8_t> data)
+{
+    std::u16string text(data.size() / 2, u'\0');
+    text.resize(DecodeTextInto(data, text.data()));
     return text;
 }
 

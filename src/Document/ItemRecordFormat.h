@@ -68,6 +68,10 @@ constexpr size_t PreviewThreshold = 3361;
 // Text with one zero unit after it; decoding stops at the first zero unit or the data's end.
 std::vector<uint8_t> EncodeText(std::u16string_view text);
 std::u16string DecodeText(std::span<const uint8_t> data);
+// Copies the units of `data` up to its first zero unit into `out`, which has room for
+// data.size() / 2 units, and gives their count. For callers that decode many texts into one
+// buffer.
+size_t DecodeTextInto(std::span<const uint8_t> data, char16_t* out);
 
 struct SFolderAttributes
 {

@@ -426,6 +426,43 @@ bool CItemRecords::LoadPlainText(const CUInt128& id, std::u16string& text)
     return true;
 }
 
+bool CItemRecords::VisitPlainTexts(std::span<const CUInt128> noteIds, const PlainTextVisitor& visit)
+{
+    std::vector<CUInt128> textIds;
+    std::vector<size_t> noteOfText;
+    textIds.reserve(noteIds.size());
+    noteOfText.reserve(noteIds.size());
+    for (size_t i = 0; i < noteIds.size(); ++i)
+    {
+        const SDBFileRecordCacheEntry* entry = m_Db.FindRecord(noteIds[i]);
+        if (!entry)
+        {
+            LogMessage(u"Error: Cannot get database record cache references, as record ID is invalid");
+            continue;
+        }
+        const SFieldCacheEntry* field = entry->FindField(PlainTextField);
+        if (!field)
+        {
+            if (!visit(i, std::u16string_view()))
+                return false;
+            continue;
+        }
+        textIds.push_back(field->dataId);
+        noteOfText.push_back(i);
+    }
+    // One buffer for every text, grown to the longest.
+    std::vector<char16_t> units;
+    return m_Db.GetDataFile().VisitRecordsData(textIds,
+                                               [&](size_t index, std::span<const uint8_t> data)
+                                               {
+                                                   if (units.size() < data.size() / 2)
+                                                       units.resize(data.size() / 2);
+                                                   const size_t length = DecodeTextInto(data, units.data());
+                                                   return visit(noteOfText[index],
+                                                                std::u16string_view(units.data(), length));
+                                               });
+}
+
 // ---- Password and document information ------------------------------------------------------
 
 CUInt128 CItemRecords::FindPasswordRecord()

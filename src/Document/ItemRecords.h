@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,6 +56,13 @@ public:
     // The note's text (an empty document when it has none stored).
     bool LoadRichText(const CUInt128& id, CRichTextDocument& text);
     bool LoadPlainText(const CUInt128& id, std::u16string& text);
+    // The stored plain texts of many notes, for a search: each is handed to `visit` with the
+    // note's index in `noteIds` and lives only during that call. The texts are read in file
+    // order with large reads, whatever the order of `noteIds`. A note without a stored text
+    // gets an empty one; one whose record or text cannot be read is logged and left out.
+    // `visit` returns false to stop, which makes the result false, as does a failed read.
+    using PlainTextVisitor = std::function<bool(size_t index, std::u16string_view text)>;
+    bool VisitPlainTexts(std::span<const CUInt128> noteIds, const PlainTextVisitor& visit);
 
     // The file password.
     bool IsPasswordSet();

@@ -68,6 +68,28 @@ TEST(ItemRecordFormat, TextsAndChildLists)
     EXPECT_EQ(DecodeText(EncodeText(u"caption")), u"caption");
     EXPECT_EQ(DecodeText(std::vector<uint8_t>{0x41, 0, 0x42}), u"A"); // odd tail ignored
     EXPECT_EQ(DecodeText(std::vector<uint8_t>{0x41, 0, 0, 0, 0x42, 0}), u"A");
+    // Units are tested in blocks: a zero unit at every place of a block and beyond, also with a
+    // zero high or low byte in the units before it (U+0100 and U+0041), and at odd addresses.
+    for (size_t length = 0; length < 40; ++length)
+        for (size_t end = 0; end <= length; ++end)
+        {
+            std::u16string text;
+            for (size_t i = 0; i < length; ++i)
+                text += i == end ? u'\0' : (i % 2 ? u'\u0100' : static_cast<char16_t>(u'A' + i % 26));
+            std::vector<uint8_t> bytes(1, 0xEE);
+            for (char16_t unit : text)
+            {
+                bytes.push_back(static_cast<uint8_t>(unit));
+                bytes.push_back(static_cast<uint8_t>(unit >> 8));
+            }
+            const std::span<const uint8_t> stored(bytes.data() + 1, bytes.size() - 1);
+            std::u16string out(length + 1, u'#');
+            const size_t units = DecodeTextInto(stored, out.data());
+            ASSERT_EQ(units, std::min(end, length)) << length;
+            EXPECT_EQ(out.substr(0, units), text.substr(0, units));
+            EXPECT_EQ(out[units], units < length ? u'#' : out[units]) << "wrote past the first zero unit";
+            EXPECT_EQ(DecodeText(stored), text.substr(0, units));
+        }
 
     const CUInt128 ids[] = {CUInt128(1), CUInt128(0x0102030405060708ull, 0x090A0B0C0D0E0F10ull)};
     std::vector<uint8_t> list = EncodeChildList(ids);

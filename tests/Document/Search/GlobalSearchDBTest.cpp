@@ -5,13 +5,16 @@
 #include "Document/DBNote.h"
 #include "Document/GlobalSearch.h"
 #include "Document/ItemRecords.h"
+#include "Document/MemNote.h"
 #include "Shared/Base/MemFileSystem.h"
 #include "Shared/Base/OleDate.h"
 #include "Shared/DataFile/DBFile.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
+#include <random>
 
 using namespace ItemRecordFormat;
 
@@ -160,4 +163,105 @@ TEST_F(GlobalSearchDBTest, UnreadableTextIsSearchedAsEmpty)
     ASSERT_TRUE(walk.Run(*root));
     // "To Anna" no longer has a record; the other notes and the folder are still found.
     EXPECT_EQ(ResultPaths(walk), (Paths{u"\\\\Letters", u"\\\\Letters\\To Ben", u"\\\\Shopping"}));
+}
+
+// A document larger than one read batch, with texts in memory (edited and not saved), notes
+// without text and memory-only notes among the stored ones: the batched walk lists what the
+// note-by-note rule lists, in tree order, and a cancel from the progress callback keeps exactly
+// the results of the items searched before it.
+TEST_F(GlobalSearchDBTest, BatchedWalkListsWhatEachNoteAloneWouldGive)
+{
+    static const char16_t* words[] = {u"red",   u"blue", u"water", u"garden",
+                                      u"Ölsee", u"мир",  u"cat",   u"concat"};
+    std::mt19937 rng(5);
+    const auto randomText = [&]
+    {
+        std::u16string text;
+        for (size_t n = rng() % 12; n > 0; --n)
+            text += std::u16string(words[rng() % 8]) + (rng() % 3 == 0 ? u"." : u" ");
+        return text;
+    };
+    CDBFolder root(&records);
+    root.SetId(rootId);
+    for (int f = 0; f < 5; ++f)
+    {
+        auto folder = std::make_unique<CDBFolder>(&records);
+        folder->SetId(records.CreateItemRecord(CItemRecords::FolderItemKind, false));
+        folder->SetCaption(randomText());
+        CFolderBase& parent = static_cast<CFolderBase&>(*root.AddChild(std::move(folder)));
+        for (int n = 0; n < 500; ++n)
+        {
+            if (n % 97 == 0)
+            {
+                auto memNote = std::make_unique<CMemNote>();
+                memNote->SetCaption(randomText());
+                memNote->GetRichText()->BuildFromPlainText(randomText());
+                parent.AddChild(std::move(memNote));
+                continue;
+            }
+            StoreNote(parent, randomText(), n % 13 == 0 ? std::u16string() : randomText());
+            auto* note = static_cast<CDBNote*>(parent.GetChild(parent.GetChildCount() - 1));
+            if (n % 11 == 0)
+                note->GetRichText()->BuildFromPlainText(randomText()); // changed, not saved
+            else
+                note->UnloadText();
+        }
+    }
+    // Every item in walk order.
+    std::vector<CItem*> order;
+    std::vector<CItem*> stack{&root};
+    while (!stack.empty())
+    {
+        CItem* item = stack.back();
+        stack.pop_back();
+        order.push_back(item);
+        if (auto* folder = dynamic_cast<CFolderBase*>(item))
+            for (size_t i = folder->GetChildCount(); i-- > 0;)
+                stack.push_back(folder->GetChild(i));
+    }
+    const std::pair<const char16_t*, bool> queries[] = {{u"water", false}, {u"+red -blue garden", true},
+                                                        {u"cat", false},   {u"ölsee", false},
+                                                        {u"-blue", true},  {u"МИР red", true}};
+    for (const auto& [query, boolean] : queries)
+        for (const bool wholeWords : {false, true})
+        {
+            const CTextSearch search(query, false, wholeWords, boolean);
+            std::vector<CItem*> expected;
+            for (CItem* item : order)
+            {
+                auto* note = dynamic_cast<CNoteBase*>(item);
+                if (note ? CGlobalSearch::NoteMatches(search, *note)
+                         : CGlobalSearch::FolderMatches(search, static_cast<CFolderBase&>(*item)))
+                    expected.push_back(item);
+            }
+            const auto searchUntil = [&](uint64_t cancelAt)
+            {
+                CSearchStatus status;
+                CGlobalSearch walk(search, status);
+                walk.SetProgressCallback(
+                    [&](uint64_t done, uint64_t)
+                    {
+                        if (done == cancelAt)
+                            status.Cancel();
+                    });
+                EXPECT_EQ(walk.Run(root), cancelAt > order.size());
+                EXPECT_EQ(status.Done(), std::min<uint64_t>(cancelAt, order.size()));
+                std::vector<CItem*> found;
+                for (const SSearchResultEntry& entry : walk.Results())
+                    found.push_back(entry.item);
+                return found;
+            };
+            EXPECT_EQ(searchUntil(UINT64_MAX), expected) << boolean << wholeWords;
+            const uint64_t cancelAt = 1 + rng() % order.size();
+            std::vector<CItem*> before;
+            for (CItem* item : expected)
+                if (std::find(order.begin(), order.begin() + cancelAt, item) != order.begin() + cancelAt)
+                    before.push_back(item);
+            EXPECT_EQ(searchUntil(cancelAt), before) << cancelAt;
+        }
+    for (size_t i = 0; i < root.GetChildCount(); ++i)
+        for (CDBNote* note : Notes(static_cast<CFolderBase&>(*root.GetChild(i))))
+        {
+            EXPECT_EQ(note->StoredTextSource(), note->IsTextLoaded() ? nullptr : &records);
+        }
 }
