@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -117,6 +119,30 @@ TEST(DataFileLifecycle, SecondWriterIsRefused)
         first.Close(false, 0);
         EXPECT_TRUE(second.Open(path));
     }
+}
+
+// Two running copies of the program must never both write one file.
+TEST(DataFileLifecycle, AnotherProcessCannotOpenAFileOpenForWriting)
+{
+    CTempFolder folder;
+    const std::u16string path = folder.File16("process.ddb");
+    CDataFile first;
+    ASSERT_TRUE(first.Create(path, u"L", 1, 1));
+    const auto otherProcessOpens = [&path]
+    {
+        const pid_t child = fork();
+        if (child == 0)
+        {
+            CDataFile other;
+            _exit(other.Open(path) ? 1 : 0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 1;
+    };
+    EXPECT_FALSE(otherProcessOpens());
+    first.Close(false, 0);
+    EXPECT_TRUE(otherProcessOpens());
 }
 
 TEST(DataFileLifecycle, SaveAsCopiesAndOptionallySwitches)
