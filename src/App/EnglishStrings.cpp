@@ -6,6 +6,24 @@ namespace
 // and a name) are replaced by the callers and must be kept by every translation.
 constexpr std::u16string_view kEnglishStrings[] = {
     // Alarms
+    u"ALARMDLG_ADD_BTN=Add",
+    u"ALARMDLG_BROWSE_BTN=Browse...",
+    u"ALARMDLG_CAPTION=Alarms of \"^caption\"",
+    u"ALARMDLG_DESCRIPTION_LABEL=Description:",
+    u"ALARMDLG_ENABLED_CHK=Enabled",
+    u"ALARMDLG_END_CHK=Ends on:",
+    u"ALARMDLG_INTERVAL_DAYS=day(s)",
+    u"ALARMDLG_INTERVAL_LABEL=Every:",
+    u"ALARMDLG_INTERVAL_MONTHS=month(s)",
+    u"ALARMDLG_INTERVAL_WEEKS=week(s)",
+    u"ALARMDLG_INTERVAL_YEARS=year(s)",
+    u"ALARMDLG_REMOVE_BTN=Remove",
+    u"ALARMDLG_SOUND_LABEL=Sound file:",
+    u"ALARMDLG_START_LABEL=Start date:",
+    u"ALARMDLG_TIME_LABEL=Time:",
+    u"ALARMDLG_TYPE_LABEL=Repeat:",
+    u"ALARMDLG_WEEKDAYS=Sun|Mon|Tue|Wed|Thu|Fri|Sat",
+    u"ALARMDLG_WEEKDAYS_LABEL=On:",
     u"ALARME_TYPE_DAILY=Daily",
     u"ALARME_TYPE_MONTHLY_BY_DATE=Monthly (by date)",
     u"ALARME_TYPE_MONTHLY_BY_WEEKDAY=Monthly (by day of the week)",
@@ -23,18 +41,22 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"ALARMREMINDDLG_SNOOZE_BTN_HOUR=hour",
     u"ALARMREMINDDLG_SNOOZE_BTN_HOURS=hours",
     u"ALARMREMINDDLG_SNOOZE_BTN_MINUTES=minutes",
+    u"ALARMREMINDDLG_TRAY_TEXT=^N reminders are due.",
 
     // Common buttons, dialog captions and status texts
     u"ATTACHMENT_DLG_CAPTION=Save Attachment As",
     u"BACKUP_DLG_CAPTION=Choose Backup Folder",
     u"CANCEL_BUTTON=Cancel",
+    u"CLOSE_BUTTON=Close",
     u"FILE_OPEN_DLG_CAPTION=Open Data File",
+    u"HELP_BUTTON=Help",
     u"IMAGE_DLG_CAPTION=Insert Image",
     u"MAIN_WND_STATUS_BUSY=Busy...",
     u"MAIN_WND_STATUS_LOADING=Loading...",
     u"MAIN_WND_STATUS_SAVING=Saving...",
     u"MAIN_WND_STATUS_WAIT=Please wait.",
     u"NEW_FILE_DLG_CAPTION=Create New Data File",
+    u"OK_BUTTON=OK",
     u"SAVEAS_DLG_CAPTION=Save Data File As",
     u"SELECT_FILES_DLG_CAPTION=Select File",
 
@@ -101,7 +123,13 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"GLOBALSEARCHDLG_CASE_SENSITIVE=Match case",
     u"GLOBALSEARCHDLG_CLOSE_BTN=Close",
     u"GLOBALSEARCHDLG_FILTER_BTN=Filter Tree",
+    u"GLOBALSEARCHDLG_HELP_TEXT=Type the words to look for and press Search. Folders are found by their "
+    u"caption, notes by their caption and text.\n\nWith boolean search each word is looked for on its own: "
+    u"+word must occur, -word must not occur, a word without a sign may occur. Without it the whole line is "
+    u"looked for as one phrase.",
     u"GLOBALSEARCHDLG_GOTO_BTN=Go To",
+    u"GLOBALSEARCHDLG_QUERY_LABEL=Search for:",
+    u"GLOBALSEARCHDLG_SEARCH_BTN=Search",
     u"GLOBALSEARCHDLG_STATUS_RESULT=Search finished: ^N items found.",
     u"GLOBALSEARCHDLG_STATUS_SEARCHING=Searching...",
     u"GLOBALSEARCHDLG_TABLEHDR_CAPTION=Caption",
@@ -135,6 +163,7 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"MENU_FILE_EXIT=Exit",
     u"MENU_FILE_OPEN=Open",
     u"MENU_FILE_SAVEAS=Save As...",
+    u"MENU_ITEM_ALARMS=Alarms...",
     u"MENU_ITEM_COLOR=Colour",
     u"MENU_ITEM_ICON=Icon",
     u"MENU_ITEM_PRIORITY=Priority",
@@ -143,6 +172,7 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"MENU_TOOLS_PWD_GENERATOR=Password Generator...",
 
     // Password generator
+    u"PWDGEN_DLG_CAPTION=Password Generator",
     u"PWDGEN_DLG_CHAR_LABEL=Characters to use:",
     u"PWDGEN_DLG_COPY_BTN=Copy",
     u"PWDGEN_DLG_GENERATE_BTN=Generate",
