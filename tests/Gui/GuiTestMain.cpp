@@ -4,9 +4,26 @@
 #include <QTimer>
 #include <QWidget>
 
+#include "GuiTestModal.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+
+namespace
+{
+ModalHandler g_ModalHandler;
+} // namespace
+
+CExpectModal::CExpectModal(ModalHandler handler)
+{
+    g_ModalHandler = std::move(handler);
+}
+
+CExpectModal::~CExpectModal()
+{
+    g_ModalHandler = nullptr;
+}
 
 int main(int argc, char** argv)
 {
@@ -15,18 +32,20 @@ int main(int argc, char** argv)
     ::testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
 
-    // No test expects a message box: one that opens is a failure, and is closed so that the
-    // modal loop it runs ends instead of waiting for a user.
+    // A modal window that the running test does not expect is a failure, and is closed so that
+    // the modal loop it runs ends instead of waiting for a user.
     QTimer modalWatch;
     QObject::connect(&modalWatch, &QTimer::timeout,
                      []
                      {
                          if (QWidget* modal = QApplication::activeModalWidget())
                          {
+                             if (g_ModalHandler && g_ModalHandler(modal))
+                                 return;
                              ADD_FAILURE() << "unexpected dialog: " << modal->windowTitle().toStdString();
                              modal->close();
                          }
                      });
-    modalWatch.start(200);
+    modalWatch.start(50);
     return RUN_ALL_TESTS();
 }
