@@ -1,6 +1,6 @@
 #include "Gui/FxEditWidget.h"
 
-#include "Gui/FindReplaceDialog.h"
+#include "Gui/FindReplaceDlg.h"
 #include "Gui/GuiClipboard.h"
 #include "Gui/GuiPictures.h"
 #include "Gui/QtText.h"
@@ -251,9 +251,9 @@ int32_t CFxEditWidget::TranslateKey(EFxKey key, int32_t platformKey, bool ctrl, 
 
 bool CFxEditWidget::RunFindReplaceDialog(SFxFindReplaceRequest& request)
 {
-    const bool done = ::RunFindReplaceDialog(request, m_Language, this);
+    const bool answered = CFindReplaceDlg::Run(request, m_Prefs, m_Language, this);
     setFocus();
-    return done;
+    return answered;
 }
 
 bool CFxEditWidget::AskFileName(bool save, std::u16string_view, const std::u16string& caption,

@@ -25,6 +25,8 @@ class QMimeData;
 class QScrollBar;
 struct SLineLayoutContext;
 
+class CPreferences;
+
 class CFxEditWidget : public QWidget, public IFxEditHost
 {
     Q_OBJECT
@@ -36,6 +38,9 @@ public:
 
     CFxEdit& Edit() { return m_Edit; }
     const CFxEdit& Edit() const { return m_Edit; }
+    // Where the find and replace window keeps its lines and placements; without preferences
+    // they carry over for the run only.
+    void SetPreferences(CPreferences* prefs) { m_Prefs = prefs; }
     void SetDocument(const CRichTextDocument& document);
     // Runs one of the editor's key-binding actions (undo, copy...) and repaints.
     void RunAction(int32_t action);
@@ -157,6 +162,7 @@ private:
     static constexpr int Margin = 4;
 
     const CLanguageModule* m_Language;
+    CPreferences* m_Prefs = nullptr;
     // Built before the editor, whose constructor already measures text through this widget.
     mutable std::map<SFontDescription, SFontCache> m_Fonts;
     QScrollBar* m_VScroll = nullptr;

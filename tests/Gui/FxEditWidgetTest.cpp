@@ -3,7 +3,7 @@
 // and the context menu.
 #include "Gui/FxEditWidget.h"
 #include "App/EnglishStrings.h"
-#include "Gui/FindReplaceDialog.h"
+#include "Gui/FindReplaceDlg.h"
 #include "Gui/GuiPictures.h"
 #include "Gui/QtText.h"
 #include "Shared/LanguagesMgr/LanguageModule.h"

@@ -46,6 +46,6 @@ int main(int argc, char** argv)
                              modal->close();
                          }
                      });
-    modalWatch.start(50);
+    modalWatch.start(200);
     return RUN_ALL_TESTS();
 }
