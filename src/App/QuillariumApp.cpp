@@ -104,6 +104,13 @@ bool CQuillariumApp::ChooseAndOpenDataFile()
     return true;
 }
 
+void CQuillariumApp::ReplaceDataCenter(std::unique_ptr<IStartupDataCenter> center, const std::u16string& path)
+{
+    m_DataCenter = std::move(center);
+    m_DataFilePath = path;
+    RememberOpenedFile();
+}
+
 // The file shown now is the one the next start opens when no file is named.
 void CQuillariumApp::RememberOpenedFile()
 {

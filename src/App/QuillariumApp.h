@@ -67,6 +67,17 @@ public:
     // the user changes the setting); true when it is in step or not managed by this run.
     bool ApplyOsAutoStart();
 
+    // Shows another data file from now on: `center` has `path` open. The previous data center
+    // is deleted (its file saved and closed) and the file becomes the most recent one.
+    void ReplaceDataCenter(std::unique_ptr<IStartupDataCenter> center, const std::u16string& path);
+
+    // The open data center now shows `path` (after "save as").
+    void DataFileRenamed(const std::u16string& path)
+    {
+        m_DataFilePath = path;
+        RememberOpenedFile();
+    }
+
     CAppLocations& Locations() { return m_Locations; }
     CPreferences* Preferences() const { return m_Preferences.get(); }
     CLanguageModule* LanguageModule() const { return m_Language.get(); }

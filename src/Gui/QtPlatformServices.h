@@ -2,7 +2,6 @@
 // The platform answers start-up needs, given through Qt: message boxes, the documents folder,
 // the installed fonts and the save dialog for a new data file.
 #include "App/AppLocations.h"
-#include "App/RunningInstance.h"
 #include "App/StartupDataCenter.h"
 #include "Prefs/FontQuery.h"
 #include "Shared/Base/MessageBox.h"
@@ -31,12 +30,4 @@ class CQtNewDataFileDialog : public INewDataFileDialog
 public:
     bool AskNewDataFilePath(const std::u16string& filter, const std::u16string& proposedName,
                             std::u16string& path) override;
-};
-
-// Until copies talk to each other over their local sockets, every copy runs on its own: the
-// question is answered "no other copy has the file".
-class CUnconnectedRunningInstances : public IRunningInstanceQuery
-{
-public:
-    bool FindRunningInstance(const std::u16string&) override { return false; }
 };

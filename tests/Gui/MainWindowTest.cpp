@@ -8,10 +8,10 @@
 #include "Gui/FxEditWidget.h"
 #include "Gui/QtText.h"
 #include "Gui/QuillGuiApp.h"
+#include "GuiSession.h"
 #include "Shared/Base/TextConv.h"
 #include "Shared/LanguagesMgr/LanguageModule.h"
 #include "Shared/RichText/RichTextDocument.h"
-#include "Support/TempFolder.h"
 
 #include <QApplication>
 #include <QImage>
@@ -26,97 +26,38 @@
 
 namespace
 {
-// Every start runs in its own home, documents and program folder, so nothing of the user's is
-// read or written.
-class GuiSession : public ::testing::Test
+std::u16string StoredText(const std::u16string& path, std::u16string_view caption)
 {
-protected:
-    GuiSession()
-    {
-        setenv("HOME", m_Home.Path().c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (m_Home.Path() + "/config").c_str(), 1);
-        setenv("XDG_STATE_HOME", (m_Home.Path() + "/state").c_str(), 1);
-        std::filesystem::create_directories(m_Home.Path() + "/Documents");
-    }
+    CDataCenter center;
+    EXPECT_TRUE(center.OpenDocument(path));
+    CDBFolder& root = *center.GetRoot();
+    root.LoadChildren(EChildKind::Any);
+    for (size_t i = 0; i < root.GetChildCount(); ++i)
+        if (auto* note = dynamic_cast<CNoteBase*>(root.GetChild(i)); note && note->GetCaption() == caption)
+        {
+            std::u16string text;
+            EXPECT_TRUE(note->GetPlainText(text));
+            return text;
+        }
+    ADD_FAILURE() << "no note " << Utf16ToUtf8(caption);
+    return {};
+}
 
-    std::unique_ptr<CQuillGuiApp> Start(const std::u16string& commandLine)
-    {
-        auto app = std::make_unique<CQuillGuiApp>(m_Program.Path16() + u"/", commandLine);
-        EXPECT_TRUE(app->Start());
-        return app;
-    }
-
-    static QTreeWidgetItem* TopLevel(CMainWindow& window, const QString& caption)
-    {
-        for (int i = 0; i < window.Tree()->topLevelItemCount(); ++i)
-            if (window.Tree()->topLevelItem(i)->text(0) == caption)
-                return window.Tree()->topLevelItem(i);
-        return nullptr;
-    }
-
-    static void Press(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
-                      const QString& text = QString())
-    {
-        QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
-        QApplication::sendEvent(widget, &press);
-    }
-
-    static void Type(QWidget* widget, const QString& text)
-    {
-        for (QChar c : text)
-            Press(widget, c.isLetter() ? Qt::Key_A + (c.toUpper().unicode() - u'A') : Qt::Key_Space,
-                  c.isUpper() ? Qt::ShiftModifier : Qt::NoModifier, QString(c));
-    }
-
-    // A data file holding two notes at the top of its tree, made without the program.
-    std::u16string MakeFileWithTwoNotes()
-    {
-        const std::u16string path = m_Home.File16("two notes.ddb");
-        CDataCenter center;
-        EXPECT_TRUE(center.CreateDocument(path));
-        EXPECT_NE(center.AddNote(*center.GetRoot(), u"First", u"one"), nullptr);
-        EXPECT_NE(center.AddNote(*center.GetRoot(), u"Second", u"two"), nullptr);
-        center.CloseDocument();
-        return path;
-    }
-
-    static std::u16string StoredText(const std::u16string& path, std::u16string_view caption)
-    {
-        CDataCenter center;
-        EXPECT_TRUE(center.OpenDocument(path));
-        CDBFolder& root = *center.GetRoot();
-        root.LoadChildren(EChildKind::Any);
-        for (size_t i = 0; i < root.GetChildCount(); ++i)
-            if (auto* note = dynamic_cast<CNoteBase*>(root.GetChild(i));
-                note && note->GetCaption() == caption)
-            {
-                std::u16string text;
-                EXPECT_TRUE(note->GetPlainText(text));
-                return text;
-            }
-        ADD_FAILURE() << "no note " << Utf16ToUtf8(caption);
-        return {};
-    }
-
-    // The text stored in the running program's open file for the top-level note `caption`
-    // (the file itself stays locked while the program has it open).
-    static std::u16string StoredTextWhileOpen(CQuillGuiApp& app, std::u16string_view caption)
-    {
-        CDBFolder& root = *app.Center()->GetRoot();
-        for (size_t i = 0; i < root.GetChildCount(); ++i)
-            if (root.GetChild(i)->GetCaption() == caption)
-            {
-                std::u16string text;
-                EXPECT_TRUE(app.Center()->GetRecords().LoadPlainText(root.GetChild(i)->GetId(), text));
-                return text;
-            }
-        ADD_FAILURE() << "no note " << Utf16ToUtf8(caption);
-        return {};
-    }
-
-    CTempFolder m_Home;
-    CTempFolder m_Program;
-};
+// The text stored in the running program's open file for the top-level note `caption`
+// (the file itself stays locked while the program has it open).
+std::u16string StoredTextWhileOpen(CQuillGuiApp& app, std::u16string_view caption)
+{
+    CDBFolder& root = *app.Center()->GetRoot();
+    for (size_t i = 0; i < root.GetChildCount(); ++i)
+        if (root.GetChild(i)->GetCaption() == caption)
+        {
+            std::u16string text;
+            EXPECT_TRUE(app.Center()->GetRecords().LoadPlainText(root.GetChild(i)->GetId(), text));
+            return text;
+        }
+    ADD_FAILURE() << "no note " << Utf16ToUtf8(caption);
+    return {};
+}
 } // namespace
 
 TEST_F(GuiSession, FirstStartCreatesTheDefaultFileAndTheTreeShowsTheDefaultFolders)
@@ -126,6 +67,7 @@ TEST_F(GuiSession, FirstStartCreatesTheDefaultFileAndTheTreeShowsTheDefaultFolde
     CMainWindow& window = *app->MainWindow();
     EXPECT_EQ(window.objectName(), QStringLiteral("Quillarium Organizer Main Window #ZW#"));
     EXPECT_TRUE(std::filesystem::exists(m_Home.Path() + "/Documents/Quillarium Documents.ddb"));
+    EXPECT_EQ(app->wizardRuns, 1);
     for (int kind = 0; kind < DefaultFolderKindCount; ++kind)
     {
         const QString caption = ToQString(app->LanguageModule()->GetString(DefaultFolderCaptionKey(kind)));
@@ -148,6 +90,7 @@ TEST_F(GuiSession, FirstStartCreatesTheDefaultFileAndTheTreeShowsTheDefaultFolde
     app->Shutdown();
     app.reset();
     auto again = Start(u"");
+    EXPECT_EQ(again->wizardRuns, 0) << "the wizard runs on the first start only";
     EXPECT_NE(TopLevel(*again->MainWindow(), ToQString(again->LanguageModule()->GetString(u"FOLDER_TASKS"))),
               nullptr);
 }

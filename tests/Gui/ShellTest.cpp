@@ -1,0 +1,286 @@
+// The main window's commands driven as a user drives them: folders and notes made, renamed,
+// formatted, moved, marked and deleted, files opened, created and saved under another name,
+// protected files, and everything found again after the program started anew.
+#include "Document/DefaultFolders.h"
+#include "Document/ItemRecords.h"
+#include "Document/NoteBase.h"
+#include "Gui/FolderCardView.h"
+#include "Gui/FxEditWidget.h"
+#include "Gui/QtText.h"
+#include "GuiSession.h"
+#include "Prefs/Preferences.h"
+#include "Shared/LanguagesMgr/LanguageModule.h"
+#include "Shared/RichText/RichTextDocument.h"
+
+#include <QMenu>
+#include <QStackedWidget>
+#include <QToolBar>
+
+namespace
+{
+CFolderBase& Folder(CItem* item)
+{
+    auto* folder = dynamic_cast<CFolderBase*>(item);
+    EXPECT_NE(folder, nullptr);
+    return *folder;
+}
+
+CFolderBase& DefaultFolder(CQuillGuiApp& app, int kind)
+{
+    CFolderBase& root = *app.Center()->GetRoot();
+    for (size_t i = 0; i < root.GetChildCount(); ++i)
+        if (auto* folder = dynamic_cast<CFolderBase*>(root.GetChild(i));
+            folder && folder->GetDefaultFolderKind() == kind)
+            return *folder;
+    ADD_FAILURE() << "no default folder " << kind;
+    return root;
+}
+} // namespace
+
+TEST_F(GuiSession, AFolderAndAFormattedNoteMadeInTheWindowAreThereAfterARestart)
+{
+    CRichTextDocument typed;
+    {
+        auto app = Start(u"");
+        CMainWindow& window = *app->MainWindow();
+        window.SelectItem(DefaultFolder(*app, 0));
+        Trigger(window, "ItemNewFolder");
+        CItem* folder = window.CurrentItem();
+        ASSERT_NE(folder, nullptr);
+        EXPECT_EQ(folder->GetParent(), &DefaultFolder(*app, 0));
+        // Renaming in place: the edited entry text becomes the caption.
+        window.Tree()->currentItem()->setText(0, QStringLiteral("  Recipes "));
+        EXPECT_EQ(folder->GetCaption(), u"Recipes");
+        EXPECT_EQ(window.Tree()->currentItem()->text(0), QStringLiteral("Recipes"));
+
+        Trigger(window, "ItemNewNote");
+        CItem* note = window.CurrentItem();
+        ASSERT_NE(note, nullptr);
+        EXPECT_EQ(note->GetParent(), folder);
+        EXPECT_TRUE(window.RenameItem(*note, QStringLiteral("Pancakes")));
+        CFxEditWidget* editor = window.Editor();
+        ASSERT_FALSE(editor->Edit().IsReadOnly());
+        Type(editor, QStringLiteral("Flour and eggs"));
+        // Bold for what is typed next, then a typed word taken back.
+        editor->Edit().ToggleBold();
+        Type(editor, QStringLiteral(" Milk"));
+        Type(editor, QStringLiteral("x"));
+        Trigger(window, "EditUndo");
+        EXPECT_EQ(editor->Edit().GetPlainText(), u"Flour and eggs Milk");
+        typed = editor->Edit().GetDocument();
+        Trigger(window, "FileSave");
+        EXPECT_FALSE(app->Center()->HasPendingChanges());
+        EXPECT_FALSE(editor->Edit().IsModified());
+        Trigger(window, "FileExit");
+        app->Shutdown();
+    }
+    auto app = Start(u"");
+    CItem* folder = ChildNamed(DefaultFolder(*app, 0), u"Recipes");
+    ASSERT_NE(folder, nullptr);
+    CItem* note = ChildNamed(Folder(folder), u"Pancakes");
+    ASSERT_NE(note, nullptr);
+    app->MainWindow()->SelectItem(*note);
+    EXPECT_EQ(app->MainWindow()->Editor()->Edit().GetPlainText(), u"Flour and eggs Milk");
+    // The bold run survived: it starts at " Milk" and nothing before it is bold.
+    const CRichTextDocument& loaded = app->MainWindow()->Editor()->Edit().GetDocument();
+    ASSERT_EQ(loaded.LineCount(), 1u);
+    int32_t boldFrom = -1;
+    for (const CRtfTextBlockInfo& block : loaded.Line(0).Blocks())
+        if (block.Font() && block.Font()->weight >= SFontDescription::BoldWeight && boldFrom < 0)
+            boldFrom = block.Start();
+    EXPECT_EQ(boldFrom, 14);
+    EXPECT_EQ(loaded.Line(0).Blocks().size(), typed.Line(0).Blocks().size());
+}
+
+TEST_F(GuiSession, DeletingGoesThroughTheRecycleBinAndDefaultFoldersStay)
+{
+    auto app = Start(u"");
+    CMainWindow& window = *app->MainWindow();
+    CFolderBase& notes = DefaultFolder(*app, 0);
+    CFolderBase& bin = DefaultFolder(*app, RecycleBinFolderKind);
+    window.SelectItem(notes);
+    CItem* note = window.NewNote();
+    ASSERT_NE(note, nullptr);
+    EXPECT_TRUE(window.DeleteItem(*note));
+    EXPECT_EQ(note->GetParent(), &bin);
+    EXPECT_NE(window.Tree()->FindEntry(*note), nullptr) << "the tree shows the bin's new child";
+    // Deleting inside the bin is for good (here without the question).
+    EXPECT_TRUE(window.DeleteItem(*note, false));
+    EXPECT_EQ(bin.GetChildCount(), 0u);
+
+    const QString refusal = ToQString(app->LanguageModule()->GetString(u"ERR_CANNOT_DELETE_DEFAULT_FOLDERS"));
+    {
+        CExpectDialogs dialogs(1);
+        EXPECT_FALSE(window.DeleteItem(notes));
+        EXPECT_EQ(dialogs.seen, QStringList{refusal});
+    }
+    EXPECT_EQ(notes.GetParent(), app->Center()->GetRoot());
+    // Dropping a default folder elsewhere is refused as cutting it is.
+    {
+        CExpectDialogs dialogs(1);
+        EXPECT_FALSE(window.MoveItem(notes, bin, SIZE_MAX));
+        EXPECT_EQ(dialogs.seen.size(), 1);
+    }
+    EXPECT_EQ(notes.GetParent(), app->Center()->GetRoot());
+}
+
+TEST_F(GuiSession, MovesAndMarksAreWrittenAndTheTreeFollows)
+{
+    const std::u16string path = MakeFileWithTwoNotes();
+    {
+        auto app = Start(path);
+        CMainWindow& window = *app->MainWindow();
+        CFolderBase& root = *app->Center()->GetRoot();
+        window.SelectItem(*ChildNamed(root, u"Second"));
+        CItem* folder = window.NewFolder();
+        ASSERT_NE(folder, nullptr);
+        window.RenameItem(*folder, QStringLiteral("Box"));
+        // Into the folder, then the second note before the first inside the root.
+        EXPECT_TRUE(window.MoveItem(*ChildNamed(root, u"First"), Folder(folder), SIZE_MAX));
+        EXPECT_TRUE(window.MoveItem(*ChildNamed(root, u"Second"), root, 0));
+        // The tree shows the document's order.
+        ASSERT_EQ(static_cast<size_t>(window.Tree()->topLevelItemCount()), root.GetChildCount());
+        for (size_t i = 0; i < root.GetChildCount(); ++i)
+            EXPECT_EQ(window.Tree()->topLevelItem(static_cast<int>(i))->text(0),
+                      ToQString(root.GetChild(i)->GetCaption()));
+        EXPECT_EQ(window.Tree()->topLevelItem(0)->text(0), QStringLiteral("Second"));
+        QTreeWidgetItem* boxEntry = window.Tree()->FindEntry(*folder);
+        ASSERT_NE(boxEntry, nullptr);
+        ASSERT_EQ(boxEntry->childCount(), 1);
+        EXPECT_EQ(boxEntry->child(0)->text(0), QStringLiteral("First"));
+        // A folder cannot go into itself.
+        EXPECT_FALSE(folder->MoveTo(Folder(folder)));
+
+        CItem* second = ChildNamed(root, u"Second");
+        window.SelectItem(*second);
+        const QImage plainIcon = window.Tree()->currentItem()->icon(0).pixmap(16, 16).toImage();
+        Trigger(window, "ItemPriority3");
+        Trigger(window, "ItemReadOnly");
+        Trigger(window, "ItemTask");
+        EXPECT_TRUE(window.Editor()->Edit().IsReadOnly());
+        EXPECT_NE(window.Tree()->currentItem()->icon(0).pixmap(16, 16).toImage(), plainIcon);
+        app->Shutdown();
+    }
+    auto app = Start(path);
+    CFolderBase& root = *app->Center()->GetRoot();
+    EXPECT_EQ(root.GetChild(0)->GetCaption(), u"Second");
+    EXPECT_EQ(ChildNamed(root, u"First"), nullptr);
+    CItem* box = ChildNamed(root, u"Box");
+    ASSERT_NE(box, nullptr);
+    EXPECT_NE(ChildNamed(Folder(box), u"First"), nullptr);
+    const CItemExtendedData* data = root.GetChild(0)->FindExtendedData();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->Priority(), 3);
+    EXPECT_TRUE(data->IsReadOnly());
+    EXPECT_EQ(data->TaskState(), 1);
+    app->MainWindow()->SelectItem(*root.GetChild(0));
+    EXPECT_TRUE(app->MainWindow()->Editor()->Edit().IsReadOnly()) << "a read-only note is not editable";
+    // Selecting a folder shows its children as cards.
+    app->MainWindow()->SelectItem(*box);
+    EXPECT_EQ(app->MainWindow()->Cards()->Folder(), box);
+    EXPECT_TRUE(app->MainWindow()->Cards()->isVisibleTo(app->MainWindow()));
+    EXPECT_EQ(app->MainWindow()->Cards()->count(), 1);
+}
+
+TEST_F(GuiSession, NewOpenAndSaveAsSwitchTheShownFileAndRememberIt)
+{
+    const std::u16string first = MakeFileWithTwoNotes();
+    auto app = Start(first);
+    CMainWindow& window = *app->MainWindow();
+    const std::u16string created = m_Home.File16("created.ddb");
+    ASSERT_TRUE(app->NewFile(created));
+    EXPECT_EQ(app->DataFilePath(), created);
+    EXPECT_TRUE(window.windowTitle().startsWith(QStringLiteral("created.ddb")));
+    EXPECT_NE(TopLevel(window, ToQString(app->LanguageModule()->GetString(u"FOLDER_NOTES"))), nullptr);
+
+    const std::u16string copy = m_Home.File16("copy.ddb");
+    ASSERT_TRUE(app->SaveFileAs(copy));
+    EXPECT_EQ(app->Center()->GetFilePath(), copy);
+    EXPECT_EQ(app->DataFilePath(), copy);
+    ASSERT_TRUE(app->OpenFile(first));
+    EXPECT_NE(TopLevel(window, QStringLiteral("First")), nullptr);
+    // A file that cannot be opened leaves the shown one in place.
+    {
+        CExpectDialogs dialogs(1);
+        EXPECT_FALSE(app->OpenFile(m_Home.File16("missing.ddb")));
+    }
+    EXPECT_EQ(app->DataFilePath(), first);
+    EXPECT_NE(TopLevel(window, QStringLiteral("First")), nullptr);
+
+    const auto& recent = app->Preferences()->ShellState().recentFiles.Items();
+    ASSERT_GE(recent.size(), 3u);
+    EXPECT_EQ(recent[0], first);
+    EXPECT_EQ(recent[1], copy);
+    EXPECT_EQ(recent[2], created);
+    app->Shutdown();
+    app.reset();
+    auto again = Start(u"");
+    EXPECT_EQ(again->DataFilePath(), first) << "the next start opens the file shown last";
+}
+
+TEST_F(GuiSession, AProtectedFileOpensOnlyWithItsPassword)
+{
+    const std::u16string path = MakeFileWithTwoNotes();
+    {
+        CDataCenter center;
+        ASSERT_TRUE(center.OpenDocument(path));
+        ASSERT_TRUE(center.GetRecords().SetPassword(u"", u"secret"));
+    }
+    {
+        auto app = Launch(path);
+        app->passwords = {u"wrong", u"", u"Secret"};
+        CExpectDialogs dialogs(3);
+        EXPECT_FALSE(app->Start());
+        EXPECT_EQ(dialogs.seen.size(), 3);
+        EXPECT_EQ(app->MainWindow(), nullptr);
+    }
+    {
+        auto app = Launch(path);
+        EXPECT_FALSE(app->Start()) << "cancelled";
+        EXPECT_EQ(app->askedPaths, std::vector<std::u16string>{path});
+    }
+    auto app = Launch(path);
+    app->passwords = {u"secret"};
+    ASSERT_TRUE(app->Start());
+    EXPECT_NE(TopLevel(*app->MainWindow(), QStringLiteral("First")), nullptr);
+}
+
+TEST_F(GuiSession, AMissingCommandLineFileEndsStartUpWithItsMessage)
+{
+    auto app = Launch(m_Home.File16("nowhere.ddb"));
+    CExpectDialogs dialogs(1);
+    EXPECT_FALSE(app->Start());
+    const QStringList seen = dialogs.seen;
+    ASSERT_EQ(seen.size(), 1);
+    EXPECT_TRUE(seen[0].contains(QStringLiteral("nowhere.ddb")));
+    EXPECT_EQ(app->MainWindow(), nullptr);
+}
+
+TEST_F(GuiSession, EveryMenuTextComesFromTheLanguageModuleAndNamedCommandsAreUnique)
+{
+    auto app = Start(MakeFileWithTwoNotes());
+    CMainWindow& window = *app->MainWindow();
+    for (const char16_t* key : {u"MENU_FILE", u"MENU_EIDT", u"MENU_ITEM", u"MENU_VIEW", u"MENU_TOOLS",
+                                u"MENU_HELP", u"MENU_EIDT_INSERT", u"MENU_ITEM_PRIORITY"})
+    {
+        ASSERT_NE(window.Menu(key), nullptr);
+        EXPECT_EQ(window.Menu(key)->title(), ToQString(app->LanguageModule()->GetString(key)));
+        EXPECT_FALSE(window.Menu(key)->title().isEmpty());
+    }
+    for (QAction* action : window.NamedActions())
+        EXPECT_FALSE(action->text().isEmpty()) << action->objectName().toStdString();
+    int runs = 0;
+    EXPECT_NE(window.AddAction(u"MENU_TOOLS", QStringLiteral("ToolsSample"), QStringLiteral("Sample"),
+                               [&] { ++runs; }),
+              nullptr);
+    EXPECT_EQ(window.AddAction(u"MENU_TOOLS", QStringLiteral("ToolsSample"), QStringLiteral("Again"), [] {}),
+              nullptr);
+    EXPECT_EQ(window.Menu(u"MENU_TOOLS")->actions().size(), 1);
+    Trigger(window, "ToolsSample");
+    EXPECT_EQ(runs, 1);
+    // The toolbar takes named commands and separators and leaves unknown names out.
+    window.SetToolbarButtons({QStringLiteral("ToolsSample"), QString(), QStringLiteral("NoSuchCommand"),
+                              QStringLiteral("FileSave")});
+    EXPECT_EQ(window.ToolbarButtons(),
+              (QStringList{QStringLiteral("ToolsSample"), QString(), QStringLiteral("FileSave")}));
+}
