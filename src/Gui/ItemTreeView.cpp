@@ -34,12 +34,14 @@ constexpr std::array kChoosableIcons = {
 };
 
 // Priority, task and read-only marks drawn over the item's icon, so the tree keeps one column.
-QIcon WithMarks(const QIcon& base, const CItemExtendedData& data)
+// Drawn on a 16-pixel grid and scaled, so the card view's large icons carry them too.
+QPixmap MarkedPixmap(const QIcon& base, const CItemExtendedData& data, int size)
 {
-    constexpr int Size = 16;
-    QPixmap pixmap = base.pixmap(Size, Size);
+    QPixmap pixmap = base.pixmap(size, size);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(size / 16.0, size / 16.0);
+    constexpr double Size = 16;
     if (data.Priority() > 0)
     {
         // A red badge with the priority number in the top-right corner.
@@ -57,13 +59,13 @@ QIcon WithMarks(const QIcon& base, const CItemExtendedData& data)
     if (data.TaskState() != 0)
     {
         // A check box in the bottom-left corner, ticked when the task is done.
-        const QRectF box(0, Size - 8, 7, 7);
+        const QRectF box(0.5, Size - 7.5, 7, 7);
         painter.setPen(QPen(QColor(20, 110, 20), 1.2));
         painter.setBrush(Qt::white);
         painter.drawRect(box);
         if (data.TaskState() > 1)
             painter.drawPolyline(
-                QPolygonF({QPointF(1, Size - 4.5), QPointF(3, Size - 2), QPointF(6.5, Size - 7.5)}));
+                QPolygonF({QPointF(1.5, Size - 4.5), QPointF(3.5, Size - 2), QPointF(7, Size - 7.5)}));
     }
     if (data.IsReadOnly())
     {
@@ -76,7 +78,15 @@ QIcon WithMarks(const QIcon& base, const CItemExtendedData& data)
         painter.drawRect(QRectF(Size - 7.5, Size - 6.5, 6, 5));
     }
     painter.end();
-    return QIcon(pixmap);
+    return pixmap;
+}
+
+QIcon WithMarks(const QIcon& base, const CItemExtendedData& data)
+{
+    QIcon icon;
+    for (int size : {16, 32, 48})
+        icon.addPixmap(MarkedPixmap(base, data, size));
+    return icon;
 }
 } // namespace
 

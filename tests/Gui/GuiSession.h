@@ -119,6 +119,13 @@ protected:
         return nullptr;
     }
 
+    static CFolderBase& AsFolder(CItem& item)
+    {
+        auto* folder = dynamic_cast<CFolderBase*>(&item);
+        EXPECT_NE(folder, nullptr);
+        return *folder;
+    }
+
     static void Press(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
                       const QString& text = QString())
     {
