@@ -12,6 +12,7 @@
 #include "Gui/FxEditWidget.h"
 #include "Gui/ItemTreeView.h"
 #include "Gui/QtText.h"
+#include "Gui/ToolbarDialog.h"
 #include "Gui/TrayIcon.h"
 #include "Prefs/Preferences.h"
 #include "Shared/Base/MessageBox.h"
@@ -132,6 +133,8 @@ QAction* CMainWindow::AddAction(std::u16string_view menuKey, const QString& name
         addAction(action); // shortcuts of commands outside the menus still work
     m_Actions[name] = action;
     m_ActionOrder.push_back(action);
+    if (m_Toolbar && m_ToolbarWanted.contains(name))
+        RebuildToolbar();
     return action;
 }
 
@@ -356,6 +359,15 @@ void CMainWindow::BuildViewMenu()
         [this] { statusBar()->setVisible(FindAction(QStringLiteral("ViewStatusBar"))->isChecked()); });
     status->setCheckable(true);
     status->setChecked(true);
+    AddAction(u"MENU_VIEW", QStringLiteral("ViewCustomizeToolbar"), Text(u"MENU_VIEW_CUSTOMIZE_TOOLBAR"),
+              [this]
+              {
+                  CToolbarDialog dialog(
+                      NamedActions(), ToolbarButtons(), DefaultToolbarButtons(),
+                      [this](const char16_t* key) { return Text(key); }, this);
+                  if (dialog.exec() == QDialog::Accepted)
+                      SetToolbarButtons(dialog.Buttons());
+              });
     Menu(u"MENU_VIEW")->addSeparator();
     QAction* onTop =
         AddAction(u"MENU_VIEW", QStringLiteral("ViewAlwaysOnTop"), Text(u"MENU_VIEW_ALWAYS_ON_TOP"),
@@ -385,7 +397,11 @@ void CMainWindow::BuildToolbar()
     for (const auto& [name, pixmap] : icons)
         if (QAction* action = FindAction(QLatin1String(name)))
             action->setIcon(style()->standardIcon(pixmap));
-    SetToolbarButtons(DefaultToolbarButtons());
+    m_ToolbarWanted = m_Preferences
+                          ? ToolbarButtonsFromText(ToQString(m_Preferences->Layout().mainWndToolbarButtons),
+                                                   DefaultToolbarButtons())
+                          : DefaultToolbarButtons();
+    RebuildToolbar();
 }
 
 QStringList CMainWindow::DefaultToolbarButtons()
@@ -400,9 +416,19 @@ QStringList CMainWindow::DefaultToolbarButtons()
 
 void CMainWindow::SetToolbarButtons(const QStringList& names)
 {
+    m_ToolbarWanted = names;
+    if (m_Preferences)
+        m_Preferences->Layout().mainWndToolbarButtons =
+            names == DefaultToolbarButtons() ? std::u16string() : ToU16(ToolbarButtonsToText(names));
+    RebuildToolbar();
+}
+
+// Names of commands not added yet are kept in the wanted list: they appear once they exist.
+void CMainWindow::RebuildToolbar()
+{
     m_Toolbar->clear();
     m_ToolbarButtons.clear();
-    for (const QString& name : names)
+    for (const QString& name : m_ToolbarWanted)
     {
         if (name.isEmpty())
         {
@@ -719,6 +745,23 @@ void CMainWindow::BringToFront()
         show();
     raise();
     activateWindow();
+}
+
+void CMainWindow::ApplyPreferences()
+{
+    if (!m_Preferences)
+        return;
+    m_Tray->Update(m_Preferences->SysTray().show);
+    if (IsAlwaysOnTop() != m_Preferences->SysTray().alwaysOnTop)
+        SetAlwaysOnTop(m_Preferences->SysTray().alwaysOnTop);
+    m_Cards->SetCardSize(m_Preferences->Layout().folderListCardWidth,
+                         m_Preferences->Layout().folderListCardHeight);
+    emit PreferencesApplied();
+}
+
+bool CMainWindow::IsAlwaysOnTop() const
+{
+    return windowFlags().testFlag(Qt::WindowStaysOnTopHint);
 }
 
 void CMainWindow::SetAlwaysOnTop(bool onTop)

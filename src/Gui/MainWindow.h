@@ -84,13 +84,19 @@ public:
     // Shows the window restored from the tray or from minimised, and in front.
     void BringToFront();
     void SetAlwaysOnTop(bool onTop);
+    bool IsAlwaysOnTop() const;
     // Ends the program, past the close-to-tray preference.
     void Exit();
 
-    // The toolbar's commands by name, an empty name for a separator; unknown names are left out.
+    // The toolbar's commands by name, an empty name for a separator, kept in the preferences;
+    // names of commands that do not exist (yet) are left off the toolbar.
     void SetToolbarButtons(const QStringList& names);
     const QStringList& ToolbarButtons() const { return m_ToolbarButtons; }
     static QStringList DefaultToolbarButtons();
+
+    // Takes changed preferences into use (tray icon, always on top, card size) and announces
+    // them with PreferencesApplied; a preferences window calls it after writing them.
+    void ApplyPreferences();
 
     // The status bar's permanent text: the document's note and folder counts, read-only state.
     void UpdateStatus();
@@ -101,6 +107,7 @@ signals:
     void SaveAsRequested();
     void BackupRequested();
     void CurrentItemChanged(CItem* item);
+    void PreferencesApplied();
     // The window closed for good (not to the tray): the program ends.
     void Closed();
 
@@ -115,6 +122,7 @@ private:
     void BuildItemMenu();
     void BuildViewMenu();
     void BuildToolbar();
+    void RebuildToolbar();
     void FillRecentFilesMenu();
     void UpdateActions();
     void ShowItem(CItem* item);
@@ -141,5 +149,6 @@ private:
     std::vector<QAction*> m_ActionOrder;
     QMenu* m_RecentMenu = nullptr;
     QStringList m_ToolbarButtons;
+    QStringList m_ToolbarWanted;
     bool m_Exiting = false;
 };

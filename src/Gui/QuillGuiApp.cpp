@@ -141,6 +141,14 @@ void CQuillGuiApp::ConnectWindow()
                              SaveFileAs(path);
                      });
     QObject::connect(window, &CMainWindow::BackupRequested, window, [this] { Backup(true); });
+    QObject::connect(window, &CMainWindow::PreferencesApplied, window,
+                     [this]
+                     {
+                         if (m_Timers)
+                             m_Timers->Restart();
+                         ApplyBackupSettings();
+                         ApplyOsAutoStart();
+                     });
 }
 
 void CQuillGuiApp::Shutdown()

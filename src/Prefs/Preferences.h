@@ -21,6 +21,7 @@
 // MainWndTreeWidth                             250                           pixels; 20..10000, else 250
 // FolderListCardWidth                          200                           pixels; 40..4000, else 200
 // FolderListCardHeight                         150                           pixels; 30..4000, else 150
+// MainWndToolbarButtons                        empty (the program's choice)  command names, "," between, "-" a separator
 // StartupCheckFileExtAssociations              true
 // StartupRunWithOSStart                        false                         applied by COsAutoStart
 // InternetIncludeBetaWhenCheck                 false

@@ -74,6 +74,7 @@ void SLayoutPrefs::Visit(IPrefsVisitor& v)
     v.Int(u"MainWndTreeWidth", mainWndTreeWidth, 250, 20, 10000);
     v.Int(u"FolderListCardWidth", folderListCardWidth, 200, 40, 4000);
     v.Int(u"FolderListCardHeight", folderListCardHeight, 150, 30, 4000);
+    v.Text(u"MainWndToolbarButtons", mainWndToolbarButtons, u"");
 }
 
 void SDocumentStatePrefs::Visit(IPrefsVisitor& v)

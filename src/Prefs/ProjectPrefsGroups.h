@@ -77,6 +77,9 @@ struct SLayoutPrefs
     int mainWndTreeWidth{}; // pixels
     int folderListCardWidth{};
     int folderListCardHeight{};
+    // "MainWndToolbarButtons": the toolbar's command names separated by ",", "-" for a
+    // separator; empty for the program's own choice.
+    std::u16string mainWndToolbarButtons;
     void Visit(IPrefsVisitor& v);
 };
 

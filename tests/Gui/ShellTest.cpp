@@ -7,11 +7,14 @@
 #include "Gui/FolderCardView.h"
 #include "Gui/FxEditWidget.h"
 #include "Gui/QtText.h"
+#include "Gui/SaveTimers.h"
+#include "Gui/ToolbarDialog.h"
 #include "GuiSession.h"
 #include "Prefs/Preferences.h"
 #include "Shared/LanguagesMgr/LanguageModule.h"
 #include "Shared/RichText/RichTextDocument.h"
 
+#include <QListWidget>
 #include <QMenu>
 #include <QStackedWidget>
 #include <QToolBar>
@@ -283,4 +286,94 @@ TEST_F(GuiSession, EveryMenuTextComesFromTheLanguageModuleAndNamedCommandsAreUni
                               QStringLiteral("FileSave")});
     EXPECT_EQ(window.ToolbarButtons(),
               (QStringList{QStringLiteral("ToolsSample"), QString(), QStringLiteral("FileSave")}));
+}
+
+TEST_F(GuiSession, TheCustomisedToolbarIsKeptInThePreferences)
+{
+    const std::u16string path = MakeFileWithTwoNotes();
+    {
+        auto app = Start(path);
+        CMainWindow& window = *app->MainWindow();
+        EXPECT_EQ(window.ToolbarButtons(), CMainWindow::DefaultToolbarButtons());
+        CToolbarDialog dialog(window.NamedActions(), window.ToolbarButtons(),
+                              CMainWindow::DefaultToolbarButtons(),
+                              [&](const char16_t* key) { return window.Text(key); });
+        // The available list starts with the separator, then the commands not on the toolbar.
+        ASSERT_GT(dialog.Available()->count(), 1);
+        EXPECT_EQ(dialog.Shown()->count(), CMainWindow::DefaultToolbarButtons().size());
+        dialog.Shown()->setCurrentRow(0);
+        dialog.RemoveSelected(); // FileNew goes back to the available commands
+        dialog.MoveSelected(1);  // FileOpen after FileSave
+        const int available = dialog.Available()->count();
+        dialog.Available()->setCurrentRow(0);
+        dialog.AddSelected(); // a second separator after FileOpen; the separator stays available
+        EXPECT_EQ(dialog.Available()->count(), available);
+        dialog.Available()->setCurrentRow(available - 1);
+        const QString last = dialog.Available()->currentItem()->data(Qt::UserRole).toString();
+        dialog.AddSelected();
+        EXPECT_EQ(dialog.Available()->count(), available - 1);
+        const QStringList chosen = dialog.Buttons();
+        EXPECT_EQ(chosen.mid(0, 4),
+                  (QStringList{QStringLiteral("FileSave"), QStringLiteral("FileOpen"), QString(), last}));
+        window.SetToolbarButtons(chosen);
+        EXPECT_EQ(window.ToolbarButtons(), chosen);
+        dialog.Reset();
+        EXPECT_EQ(dialog.Buttons(), CMainWindow::DefaultToolbarButtons());
+        app->Shutdown();
+        app.reset();
+
+        auto again = Start(path);
+        EXPECT_EQ(again->MainWindow()->ToolbarButtons(), chosen);
+        // A command another part of the program adds later takes its kept place.
+        again->MainWindow()->SetToolbarButtons({QStringLiteral("ToolsLater"), QStringLiteral("FileSave")});
+        EXPECT_EQ(again->MainWindow()->ToolbarButtons(), QStringList{QStringLiteral("FileSave")});
+        again->MainWindow()->AddAction(u"MENU_TOOLS", QStringLiteral("ToolsLater"), QStringLiteral("Later"),
+                                       [] {});
+        EXPECT_EQ(again->MainWindow()->ToolbarButtons(),
+                  (QStringList{QStringLiteral("ToolsLater"), QStringLiteral("FileSave")}));
+    }
+    // The text form: separators, an empty toolbar and the program's choice.
+    EXPECT_EQ(ToolbarButtonsToText({QStringLiteral("A"), QString(), QStringLiteral("B")}),
+              QStringLiteral("A,-,B"));
+    EXPECT_EQ(ToolbarButtonsFromText(QStringLiteral("A,-,B"), {}),
+              (QStringList{QStringLiteral("A"), QString(), QStringLiteral("B")}));
+    EXPECT_EQ(ToolbarButtonsFromText(ToolbarButtonsToText({}), {QStringLiteral("D")}), QStringList());
+    EXPECT_EQ(ToolbarButtonsFromText(QString(), {QStringLiteral("D")}), QStringList{QStringLiteral("D")});
+}
+
+TEST_F(GuiSession, AppliedPreferencesReachTheTimersTrayAndWindow)
+{
+    auto app = Start(MakeFileWithTwoNotes());
+    CMainWindow& window = *app->MainWindow();
+    CPreferences& prefs = *app->Preferences();
+    prefs.SysTray().alwaysOnTop = true;
+    prefs.Layout().folderListCardWidth = 300;
+    window.ApplyPreferences();
+    EXPECT_TRUE(window.IsAlwaysOnTop());
+    EXPECT_TRUE(window.FindAction(QStringLiteral("ViewAlwaysOnTop"))->isChecked());
+    EXPECT_EQ(window.Cards()->gridSize().width(), 308);
+    Trigger(window, "ViewAlwaysOnTop");
+    EXPECT_FALSE(window.IsAlwaysOnTop());
+    EXPECT_FALSE(prefs.SysTray().alwaysOnTop);
+
+    // Autosave and backup count down from the preferences; a year's interval does not overflow
+    // the timer's milliseconds, and a tick before the moment does nothing.
+    int saves = 0;
+    int backups = 0;
+    prefs.Other().autoSaveData = true;
+    prefs.Other().autoSaveMinutes = 2;
+    prefs.Backup().enableAutobackup = true;
+    prefs.Backup().backupIntervalMinutes = 366 * 24 * 60;
+    CSaveTimers timers(
+        prefs, [&] { return ++saves > 0; }, [&] { return ++backups > 0; });
+    EXPECT_GT(timers.AutoSaveDueMs(), 110000);
+    EXPECT_LE(timers.AutoSaveDueMs(), 120000);
+    EXPECT_GT(timers.BackupDueMs(), qint64(366) * 24 * 60 * 60 * 1000 - 10000);
+    QApplication::processEvents();
+    EXPECT_EQ(saves + backups, 0);
+    prefs.Other().autoSaveData = false;
+    prefs.Backup().enableAutobackup = false;
+    timers.Restart();
+    EXPECT_EQ(timers.AutoSaveDueMs(), -1);
+    EXPECT_EQ(timers.BackupDueMs(), -1);
 }

@@ -32,7 +32,7 @@ void ChangeEveryValue(CPreferences& p)
     p.Editor().recentFonts.Assign({u"Arial", u"Tahoma"});
     p.Search() = {u"+alpha -beta", true, true, true, u"find me", u"with=this", true};
     p.PwdGen() = {5, 16, false, false, false, true, true};
-    p.Layout() = {400, 220, 180};
+    p.Layout() = {400, 220, 180, u"FileSave,-,ItemNewNote"};
     p.DocumentState().recentFilePath = u"/data/My.ddb";
     p.DocumentState().idGeneratorState = {0, 1, 2, 0xFF};
     p.DocumentState().navigationState = {9};
