@@ -11,13 +11,18 @@
 #include "Gui/ToolbarDialog.h"
 #include "GuiSession.h"
 #include "Prefs/Preferences.h"
+#include "Shared/Base/TextConv.h"
 #include "Shared/LanguagesMgr/LanguageModule.h"
 #include "Shared/RichText/RichTextDocument.h"
 
+#include <QLabel>
 #include <QListWidget>
 #include <QMenu>
 #include <QStackedWidget>
+#include <QStatusBar>
 #include <QToolBar>
+
+#include <fstream>
 
 namespace
 {
@@ -376,4 +381,44 @@ TEST_F(GuiSession, AppliedPreferencesReachTheTimersTrayAndWindow)
     timers.Restart();
     EXPECT_EQ(timers.AutoSaveDueMs(), -1);
     EXPECT_EQ(timers.BackupDueMs(), -1);
+}
+
+TEST_F(GuiSession, AWriteProtectedFileIsShownButNothingChangesIt)
+{
+    const std::u16string path = MakeFileWithTwoNotes();
+    const std::string native = Utf16ToUtf8(path);
+    {
+        // The file's own write protection (its header's read-only flag).
+        CDataCenter center;
+        ASSERT_TRUE(center.OpenDocument(path));
+        ASSERT_TRUE(center.GetDatabase().GetDataFile().SetReadOnly(true));
+    }
+    const auto bytes = [&]
+    {
+        std::ifstream in(native, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    const std::string before = bytes();
+    {
+        CExpectDialogs dialogs(1); // the data center says the changes will not be saved
+        auto app = Launch(path);
+        ASSERT_TRUE(app->Start());
+        EXPECT_EQ(dialogs.seen.size(), 1);
+        CMainWindow& window = *app->MainWindow();
+        ASSERT_TRUE(app->Center()->IsReadOnly());
+        window.SelectItem(*ChildNamed(*app->Center()->GetRoot(), u"First"));
+        EXPECT_TRUE(window.Editor()->Edit().IsReadOnly());
+        for (const char* name : {"ItemNewFolder", "ItemNewNote", "ItemDelete", "ItemRename"})
+            EXPECT_FALSE(window.FindAction(QLatin1String(name))->isEnabled()) << name;
+        EXPECT_EQ(window.NewNote(), nullptr);
+        EXPECT_FALSE(window.RenameItem(*window.CurrentItem(), QStringLiteral("Changed")));
+        EXPECT_TRUE(window.statusBar()->findChildren<QLabel*>().size() > 0);
+        bool shown = false;
+        for (QLabel* label : window.statusBar()->findChildren<QLabel*>())
+            shown |= label->text().contains(
+                ToQString(app->LanguageModule()->GetString(u"MAIN_WND_STATUS_READ_ONLY")));
+        EXPECT_TRUE(shown);
+        app->Shutdown();
+    }
+    EXPECT_TRUE(bytes() == before) << "the file is left byte for byte as it was";
 }
