@@ -96,6 +96,16 @@ CMainWindow::CMainWindow(const CLanguageModule* language, CPreferences* preferen
     connect(m_Tree, &CItemTreeView::MoveRequested, this,
             [this](CItem* item, CFolderBase* target, size_t index) { MoveItem(*item, *target, index); });
     connect(m_Cards, &CFolderCardView::ItemActivated, this, [this](CItem* item) { SelectItem(*item); });
+    // The item menu is the tree's context menu too, for the item under the mouse.
+    m_Tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_Tree, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at)
+            {
+                if (QTreeWidgetItem* entry = m_Tree->itemAt(at))
+                    m_Tree->setCurrentItem(entry);
+                UpdateActions();
+                Menu(u"MENU_ITEM")->exec(m_Tree->viewport()->mapToGlobal(at));
+            });
     connect(m_Editor, &CFxEditWidget::StatusTextChanged, this,
             [this](const QString& text) { statusBar()->showMessage(text); });
     resize(1040, 680);
