@@ -195,18 +195,13 @@ QTreeWidgetItem* CItemTreeView::FindEntry(const CItem& item) const
     const CFolderBase* parent = item.GetParent();
     if (!parent)
         return nullptr;
-    QTreeWidgetItem* parentEntry = EntryOfFolder(*parent);
+    QTreeWidgetItem* parentEntry = FindEntry(*parent);
     if (!parentEntry)
         return nullptr;
     for (int i = 0; i < parentEntry->childCount(); ++i)
         if (ItemOf(parentEntry->child(i)) == &item)
             return parentEntry->child(i);
     return nullptr;
-}
-
-QTreeWidgetItem* CItemTreeView::EntryOfFolder(const CFolderBase& folder) const
-{
-    return FindEntry(folder);
 }
 
 QTreeWidgetItem* CItemTreeView::Reveal(const CItem& item)

@@ -18,7 +18,6 @@ public:
 
     // Shows the children of `root` (null: an empty tree).
     void ShowRoot(CFolderBase* root);
-    CFolderBase* Root() const { return m_Root; }
 
     static CItem* ItemOf(const QTreeWidgetItem* entry);
     CItem* CurrentItem() const { return ItemOf(currentItem()); }
@@ -53,7 +52,6 @@ private:
     QTreeWidgetItem* MakeEntry(CItem& item);
     void Decorate(QTreeWidgetItem* entry, const CItem& item);
     void FillChildren(QTreeWidgetItem* entry, CFolderBase& folder);
-    QTreeWidgetItem* EntryOfFolder(const CFolderBase& folder) const;
     bool DropTarget(QDropEvent* event, CFolderBase*& target, size_t& index) const;
     void OnEntryChanged(QTreeWidgetItem* entry);
 
