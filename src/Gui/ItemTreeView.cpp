@@ -302,9 +302,9 @@ void CItemTreeView::OnEntryChanged(QTreeWidgetItem* entry)
     emit RenameRequested(item, caption);
 }
 
-bool CItemTreeView::DropTarget(QDropEvent* event, CFolderBase*& target, size_t& index) const
+bool CItemTreeView::DropPlace(const QPoint& at, CFolderBase*& target, size_t& index) const
 {
-    QTreeWidgetItem* over = itemAt(event->position().toPoint());
+    QTreeWidgetItem* over = itemAt(at);
     CItem* overItem = ItemOf(over);
     index = SIZE_MAX;
     if (!over)
@@ -313,7 +313,7 @@ bool CItemTreeView::DropTarget(QDropEvent* event, CFolderBase*& target, size_t& 
         return target != nullptr;
     }
     const QRect rect = visualItemRect(over);
-    const int y = event->position().toPoint().y();
+    const int y = at.y();
     auto* overFolder = dynamic_cast<CFolderBase*>(overItem);
     // The middle of a folder's row drops into it; above or below a row drops beside it.
     const bool into =
@@ -332,15 +332,24 @@ bool CItemTreeView::DropTarget(QDropEvent* event, CFolderBase*& target, size_t& 
     return true;
 }
 
+bool CItemTreeView::PlanDrop(const CItem& dragged, const QPoint& at, CFolderBase*& target,
+                             size_t& index) const
+{
+    if (!DropPlace(at, target, index) || target == &dragged || target->IsDescendantOf(dragged))
+        return false;
+    // Within the same folder the item's own place does not count.
+    if (target == dragged.GetParent() && index != SIZE_MAX && index > target->IndexOf(dragged))
+        --index;
+    return true;
+}
+
 void CItemTreeView::dragMoveEvent(QDragMoveEvent* event)
 {
     QTreeWidget::dragMoveEvent(event);
     CFolderBase* target = nullptr;
     size_t index = 0;
     CItem* dragged = CurrentItem();
-    const bool allowed = event->source() == this && dragged && DropTarget(event, target, index) &&
-                         target != dragged && !target->IsDescendantOf(*dragged);
-    if (allowed)
+    if (event->source() == this && dragged && PlanDrop(*dragged, event->position().toPoint(), target, index))
         event->acceptProposedAction();
     else
         event->ignore();
@@ -356,11 +365,6 @@ void CItemTreeView::dropEvent(QDropEvent* event)
     event->accept();
     stopAutoScroll();
     setState(QAbstractItemView::NoState);
-    if (event->source() != this || !dragged || !DropTarget(event, target, index) || target == dragged ||
-        target->IsDescendantOf(*dragged))
-        return;
-    // Within the same folder the item's own place does not count.
-    if (target == dragged->GetParent() && index != SIZE_MAX && index > target->IndexOf(*dragged))
-        --index;
-    emit MoveRequested(dragged, target, index);
+    if (event->source() == this && dragged && PlanDrop(*dragged, event->position().toPoint(), target, index))
+        emit MoveRequested(dragged, target, index);
 }

@@ -39,6 +39,11 @@ public:
     static QIcon ItemIconFor(bool folder, const class CItemExtendedData* data, bool recycleBin,
                              const QStyle* style);
 
+    // Where `dragged` goes when dropped at `at` (viewport coordinates): into the folder whose
+    // row's middle is there, else before or after the row's item, else at the end of the top
+    // level. `index` counts without the dragged item; false when it cannot go there.
+    bool PlanDrop(const CItem& dragged, const QPoint& at, CFolderBase*& target, size_t& index) const;
+
 signals:
     void RenameRequested(CItem* item, const QString& caption);
     // `index` is the position among the target's children, SIZE_MAX to append.
@@ -52,7 +57,7 @@ private:
     QTreeWidgetItem* MakeEntry(CItem& item);
     void Decorate(QTreeWidgetItem* entry, const CItem& item);
     void FillChildren(QTreeWidgetItem* entry, CFolderBase& folder);
-    bool DropTarget(QDropEvent* event, CFolderBase*& target, size_t& index) const;
+    bool DropPlace(const QPoint& at, CFolderBase*& target, size_t& index) const;
     void OnEntryChanged(QTreeWidgetItem* entry);
 
     CFolderBase* m_Root = nullptr;

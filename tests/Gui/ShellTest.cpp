@@ -422,3 +422,61 @@ TEST_F(GuiSession, AWriteProtectedFileIsShownButNothingChangesIt)
     }
     EXPECT_TRUE(bytes() == before) << "the file is left byte for byte as it was";
 }
+
+TEST_F(GuiSession, ADropPlacesTheItemIntoAFolderOrBesideARowAndNeverIntoItself)
+{
+    auto app = Start(MakeFileWithTwoNotes());
+    CMainWindow& window = *app->MainWindow();
+    window.resize(800, 600);
+    window.show();
+    CFolderBase& root = *app->Center()->GetRoot();
+    window.SelectItem(*ChildNamed(root, u"Second"));
+    CItem* box = window.NewFolder();
+    ASSERT_NE(box, nullptr);
+    window.SelectItem(*box);
+    CItem* inner = window.NewFolder();
+    ASSERT_NE(inner, nullptr);
+    CItemTreeView& tree = *window.Tree();
+    tree.SelectItem(*inner);
+    QApplication::processEvents();
+    CItem* first = ChildNamed(root, u"First");
+    CItem* second = ChildNamed(root, u"Second");
+    const QRect firstRow = tree.visualItemRect(tree.FindEntry(*first));
+    const QRect secondRow = tree.visualItemRect(tree.FindEntry(*second));
+    const QRect boxRow = tree.visualItemRect(tree.FindEntry(*box));
+    const QRect innerRow = tree.visualItemRect(tree.FindEntry(*inner));
+    ASSERT_FALSE(firstRow.isEmpty());
+    const size_t firstIndex = root.IndexOf(*first);
+    const size_t secondIndex = root.IndexOf(*second);
+    ASSERT_EQ(secondIndex, firstIndex + 1);
+
+    CFolderBase* target = nullptr;
+    size_t index = 0;
+    // The middle of a folder's row: into it, appended.
+    ASSERT_TRUE(tree.PlanDrop(*first, boxRow.center(), target, index));
+    EXPECT_EQ(target, box);
+    EXPECT_EQ(index, SIZE_MAX);
+    // The upper edge of a row: before its item; the lower edge: after it. The dragged item's
+    // own place is not counted when it lies before the target place.
+    ASSERT_TRUE(tree.PlanDrop(*box, QPoint(secondRow.center().x(), secondRow.top() + 1), target, index));
+    EXPECT_EQ(target, &root);
+    EXPECT_EQ(index, secondIndex);
+    ASSERT_TRUE(tree.PlanDrop(*first, QPoint(secondRow.center().x(), secondRow.bottom() - 1), target, index));
+    EXPECT_EQ(target, &root);
+    EXPECT_EQ(index, secondIndex); // after Second, counted without First
+    ASSERT_TRUE(tree.PlanDrop(*first, QPoint(firstRow.center().x(), firstRow.top() + 1), target, index));
+    EXPECT_EQ(index, firstIndex); // its own place
+    // A folder never goes into itself or below itself; below the last row is the top level.
+    EXPECT_FALSE(tree.PlanDrop(*box, boxRow.center(), target, index));
+    EXPECT_FALSE(tree.PlanDrop(*box, innerRow.center(), target, index));
+    ASSERT_TRUE(tree.PlanDrop(*inner, QPoint(5, tree.viewport()->height() - 2), target, index));
+    EXPECT_EQ(target, &root);
+    EXPECT_EQ(index, SIZE_MAX);
+
+    // Carried out as the tree asks, the order shows in the tree and in the document.
+    ASSERT_TRUE(tree.PlanDrop(*first, QPoint(secondRow.center().x(), secondRow.bottom() - 1), target, index));
+    EXPECT_TRUE(window.MoveItem(*first, *target, index));
+    EXPECT_EQ(root.IndexOf(*second), firstIndex);
+    EXPECT_EQ(root.IndexOf(*first), secondIndex);
+    EXPECT_EQ(tree.topLevelItem(static_cast<int>(secondIndex))->text(0), QStringLiteral("First"));
+}
