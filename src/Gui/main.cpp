@@ -2,6 +2,7 @@
 #include "App/CommandLine.h"
 #include "Gui/MainWindow.h"
 #include "Gui/QuillGuiApp.h"
+#include "Gui/QuitSignals.h"
 #include "Prefs/OsAutoStart.h"
 #include "Shared/Base/Paths.h"
 
@@ -25,6 +26,7 @@ int main(int argc, char** argv)
         return 1;
     }
     QObject::connect(app.MainWindow(), &CMainWindow::Closed, &qtApp, &QApplication::quit);
+    InstallQuitSignals(&qtApp);
     const int result = QApplication::exec();
     app.Shutdown();
     return result;

@@ -184,6 +184,12 @@ TEST_F(GuiSession, ASecondProgramOnTheShownFileHandsOverAndOnAnotherFileRuns)
     third.setProcessEnvironment(environment);
     third.start(program, {ToQString(other)});
     EXPECT_FALSE(WaitForEnd(third, 3000)) << "a copy on another file runs";
+    // Ended by a signal (as when the session ends), it shuts down the normal way and lets go of
+    // its file.
     third.terminate();
-    WaitForEnd(third, 5000);
+    ASSERT_TRUE(WaitForEnd(third, 10000));
+    EXPECT_EQ(third.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(third.exitCode(), 0);
+    CDataCenter center;
+    EXPECT_TRUE(center.OpenDocument(other));
 }
