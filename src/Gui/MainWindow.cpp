@@ -14,6 +14,7 @@
 #include "Gui/QtText.h"
 #include "Gui/ToolbarDialog.h"
 #include "Gui/TrayIcon.h"
+#include "Gui/WindowPlacement.h"
 #include "Prefs/Preferences.h"
 #include "Shared/Base/MessageBox.h"
 #include "Shared/LanguagesMgr/LanguageModule.h"
@@ -109,6 +110,7 @@ CMainWindow::CMainWindow(const CLanguageModule* language, CPreferences* preferen
     connect(m_Editor, &CFxEditWidget::StatusTextChanged, this,
             [this](const QString& text) { statusBar()->showMessage(text); });
     resize(1040, 680);
+    RestoreWindowPlacement(*this, m_Preferences, u"MainWnd");
     ShowDocument(nullptr);
 }
 
@@ -804,6 +806,7 @@ void CMainWindow::closeEvent(QCloseEvent* event)
         return;
     }
     SaveAll();
+    SaveWindowPlacement(*this, m_Preferences, u"MainWnd");
     QMainWindow::closeEvent(event);
     emit Closed();
 }

@@ -20,6 +20,7 @@
 #include <QMenu>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QSystemTrayIcon>
 #include <QToolBar>
 
 #include <fstream>
@@ -479,4 +480,23 @@ TEST_F(GuiSession, ADropPlacesTheItemIntoAFolderOrBesideARowAndNeverIntoItself)
     EXPECT_EQ(root.IndexOf(*second), firstIndex);
     EXPECT_EQ(root.IndexOf(*first), secondIndex);
     EXPECT_EQ(tree.topLevelItem(static_cast<int>(secondIndex))->text(0), QStringLiteral("First"));
+}
+
+TEST_F(GuiSession, TheWindowClosesForGoodWithoutATrayAndComesBackWhereItWas)
+{
+    const std::u16string path = MakeFileWithTwoNotes();
+    {
+        auto app = Start(path);
+        CMainWindow& window = *app->MainWindow();
+        // Closing to the tray needs a notification area; without one the window closes.
+        app->Preferences()->SysTray().closeToTray = true;
+        window.setGeometry(40, 60, 900, 640);
+        bool closed = false;
+        QObject::connect(&window, &CMainWindow::Closed, [&] { closed = true; });
+        window.close();
+        EXPECT_EQ(closed, !QSystemTrayIcon::isSystemTrayAvailable());
+        app->Shutdown();
+    }
+    auto app = Start(path);
+    EXPECT_EQ(app->MainWindow()->size(), QSize(900, 640));
 }
