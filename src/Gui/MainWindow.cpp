@@ -534,8 +534,18 @@ bool CMainWindow::SaveAll()
 {
     if (!m_Center)
         return true;
+    const bool pending = m_Center->HasPendingChanges() || (m_CurrentNote && m_Editor->Edit().IsModified());
+    if (pending)
+    {
+        // Drawn at once: the save runs before the event loop would draw it.
+        statusBar()->showMessage(Text(u"MAIN_WND_STATUS_SAVING"));
+        statusBar()->repaint();
+    }
     const bool noteSaved = SaveCurrentNote();
-    return m_Center->Save() && noteSaved;
+    const bool saved = m_Center->Save() && noteSaved;
+    if (pending)
+        statusBar()->showMessage(Text(u"MAIN_WND_STATUS_READY"));
+    return saved;
 }
 
 QString CMainWindow::NewCaption(std::u16string_view key) const
