@@ -180,13 +180,15 @@ int main(int argc, char** argv)
         ini.write(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
     }
     // The first start creates the default document and warms the disk cache; it is not counted.
+    // Later starts name their file, as an ended copy leaves its file as the one to open next.
+    const QString small = QString::fromStdString((home / "Documents" / "Quillarium Documents.ddb").string());
     int occurrence = 0;
     StartOnce(program, QString(), logPath, occurrence++, environment);
     StartOnce(program, QString::fromStdString(document.string()), logPath, occurrence++, environment);
     int smallBest = -1, bigBest = -1;
     for (int run = 0; run < Runs; ++run)
     {
-        const int smallMs = StartOnce(program, QString(), logPath, occurrence++, environment);
+        const int smallMs = StartOnce(program, small, logPath, occurrence++, environment);
         const int bigMs =
             StartOnce(program, QString::fromStdString(document.string()), logPath, occurrence++, environment);
         if (smallMs >= 0 && (smallBest < 0 || smallMs < smallBest))
