@@ -227,6 +227,8 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"PWDDLG_WRONG_OLD=The current password is not correct.",
 
     // Preferences
+    u"MENU_TOOLS_GLOBAL_SEARCH=Search All Notes...",
+    u"MENU_VIEW_SHOW_ALL_ITEMS=Show All Items",
     u"MENU_TOOLS_PREFERENCES=Preferences...",
     u"PREFSDLG_ALWAYS_ON_TOP_CHK=Keep the main window on top",
     u"PREFSDLG_APPLY_BTN=Apply",
@@ -342,7 +344,8 @@ constexpr std::u16string_view kEnglishStrings[] = {
     u"TOOLBARDLG_RESET_BTN=Reset",
     u"TOOLBARDLG_SEPARATOR=Separator",
     u"WIZARDDLG_CAPTION=Welcome to Quillarium Organizer",
-    u"WIZARDDLG_INTRO_TEXT=Choose the language of the program and whether your data file starts with a few sample notes.",
+    u"WIZARDDLG_INTRO_TEXT=Choose the language of the program and whether your data file starts with a few "
+    u"sample notes.",
     u"WIZARDDLG_LANGUAGE_LABEL=Language:",
     u"WIZARDDLG_LANGUAGE_RESTART=The new language is used from the next start.",
     u"WIZARDDLG_SAMPLE_TREE_CHK=Add the sample notes",
