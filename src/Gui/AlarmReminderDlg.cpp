@@ -150,6 +150,7 @@ void CAlarmReminderDlg::RemoveRow(int row)
     if (m_Entries.empty())
         hide();
     UpdateButtons();
+    emit AlarmsChanged();
 }
 
 void CAlarmReminderDlg::DismissSelected()
@@ -159,6 +160,7 @@ void CAlarmReminderDlg::DismissSelected()
         return;
     m_Manager.Dismiss(m_Entries[static_cast<size_t>(row)]);
     RemoveRow(row);
+    emit AlarmsChanged();
 }
 
 void CAlarmReminderDlg::DismissAll()
@@ -169,6 +171,7 @@ void CAlarmReminderDlg::DismissAll()
     m_List->clear();
     hide();
     UpdateButtons();
+    emit AlarmsChanged();
 }
 
 void CAlarmReminderDlg::SnoozeSelected()
@@ -178,6 +181,7 @@ void CAlarmReminderDlg::SnoozeSelected()
         return;
     m_Manager.Snooze(m_Entries[static_cast<size_t>(row)], m_Snooze->currentData().toInt());
     RemoveRow(row);
+    emit AlarmsChanged();
 }
 
 void CAlarmReminderDlg::UpdateButtons()

@@ -58,6 +58,8 @@ signals:
     void OpenItem(const CUInt128& itemId);
     // `message` says how many reminders are due, for a tray notification.
     void RemindersDue(const QString& message);
+    // Dismissing or snoozing changed the stored fields of alarms; the document is to be saved.
+    void AlarmsChanged();
 
 private:
     void SetEntries(std::vector<SAlarmQuickInfo> entries);

@@ -477,6 +477,7 @@ void CMainWindow::ShowDocument(CDataCenter* center)
     m_Pane->setCurrentWidget(m_Editor);
     UpdateStatus();
     UpdateActions();
+    emit DocumentShown(center);
 }
 
 CItem* CMainWindow::CurrentItem() const

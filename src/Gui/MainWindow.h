@@ -50,6 +50,7 @@ public:
     CItemTreeView* Tree() const { return m_Tree; }
     CFxEditWidget* Editor() const { return m_Editor; }
     CFolderCardView* Cards() const { return m_Cards; }
+    CTrayIcon* Tray() const { return m_Tray; }
     CItem* CurrentItem() const;
     void SelectItem(const CItem& item);
 
@@ -108,6 +109,8 @@ signals:
     void BackupRequested();
     void CurrentItemChanged(CItem* item);
     void PreferencesApplied();
+    // ShowDocument ended: the window shows `center`'s tree (null: no document).
+    void DocumentShown(CDataCenter* center);
     // The window closed for good (not to the tray): the program ends.
     void Closed();
 

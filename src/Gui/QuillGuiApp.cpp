@@ -2,6 +2,7 @@
 
 #include "Document/FileTimes.h"
 #include "Document/ItemRecords.h"
+#include "Gui/DialogCommands.h"
 #include "Gui/FirstLaunchWizard.h"
 #include "Gui/MainWindow.h"
 #include "Gui/QtText.h"
@@ -100,6 +101,7 @@ bool CQuillGuiApp::Start()
     m_Timers = std::make_unique<CSaveTimers>(
         *Preferences(), [this] { return m_MainWindow && m_MainWindow->SaveAll(); },
         [this] { return Backup(false); });
+    m_Dialogs = new CDialogCommands(*m_MainWindow, Locations().ApplicationFolder(), SystemClock());
     // Started by the system: the window waits in the tray when the user asked for that.
     if (IsAutoStartup() && Preferences()->Startup().hideWhenRunWithOsStart && Preferences()->SysTray().show)
         m_MainWindow->showMinimized();

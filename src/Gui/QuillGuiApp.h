@@ -13,6 +13,7 @@
 #include <chrono>
 #include <memory>
 
+class CDialogCommands;
 class CMainWindow;
 class CSaveTimers;
 class QString;
@@ -47,6 +48,7 @@ public:
     void SetLaunchTime(std::chrono::steady_clock::time_point launched) { m_Launched = launched; }
 
     CMainWindow* MainWindow() const { return m_MainWindow.get(); }
+    CDialogCommands* Dialogs() const { return m_Dialogs; }
     CDataCenter* Center() const;
 
     // File commands. Each keeps the shown file when it fails (and says why).
@@ -75,6 +77,7 @@ private:
     std::unique_ptr<CMainWindow> m_MainWindow;
     std::unique_ptr<CRunningCopyServer> m_Server;
     std::unique_ptr<CSaveTimers> m_Timers;
+    CDialogCommands* m_Dialogs = nullptr; // a child of the main window
     std::chrono::steady_clock::time_point m_Launched = std::chrono::steady_clock::now();
     bool m_ShutDown = false;
 };

@@ -72,3 +72,9 @@ void CTrayIcon::UpdateMenu()
     m_ShowHide->setText(m_Window.Text(m_WindowHidden ? u"TRAY_MENU_SHOW" : u"TRAY_MENU_HIDE"));
     m_Icon->setToolTip(m_Window.windowTitle());
 }
+
+void CTrayIcon::ShowMessage(const QString& title, const QString& text)
+{
+    if (IsAvailable() && QSystemTrayIcon::supportsMessages())
+        m_Icon->showMessage(title, text);
+}

@@ -3,6 +3,7 @@
 // desktop has no notification area the icon is never shown and the window stays a normal one:
 // minimising or closing to the tray only happens while IsAvailable() is true.
 #include <QObject>
+#include <QString>
 
 class CMainWindow;
 class QAction;
@@ -24,6 +25,8 @@ public:
     // Whether the window is hidden to the tray (only the icon is left).
     bool IsWindowHidden() const { return m_WindowHidden; }
     void HideWindow();
+    // A notification from the icon, where the desktop shows them and the icon is shown.
+    void ShowMessage(const QString& title, const QString& text);
     void ShowWindow();
 
 private:
