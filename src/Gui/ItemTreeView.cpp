@@ -129,6 +129,42 @@ QIcon CItemTreeView::ItemIcon(const CItem& item, const QStyle* style)
                        folder && folder->GetDefaultFolderKind() == RecycleBinFolderKind, style);
 }
 
+namespace
+{
+// An item with alarms shows a small clock in the top-left corner of its icon (the other corners
+// carry priority, task and read-only marks).
+QIcon WithAlarmMark(const QIcon& base)
+{
+    QIcon marked;
+    for (int size : {16, 32})
+    {
+        QPixmap pixmap = base.pixmap(size, size);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(size / 16.0, size / 16.0);
+        painter.setPen(QPen(QColor(90, 60, 0), 1));
+        painter.setBrush(QColor(255, 205, 40));
+        painter.drawEllipse(QRectF(0.5, 0.5, 7, 7));
+        painter.drawLine(QPointF(4, 4), QPointF(4, 1.8));
+        painter.drawLine(QPointF(4, 4), QPointF(5.8, 4));
+        painter.end();
+        marked.addPixmap(pixmap);
+    }
+    return marked;
+}
+
+bool HasEnabledAlarm(const CItem& item)
+{
+    const CAlarmsArray* alarms = item.FindAlarms();
+    if (!alarms)
+        return false;
+    for (const CAlarmInfo& alarm : *alarms)
+        if (alarm.enabled)
+            return true;
+    return false;
+}
+} // namespace
+
 QIcon CItemTreeView::ItemIconFor(bool folder, const CItemExtendedData* data, bool recycleBin,
                                  const QStyle* style)
 {
@@ -147,7 +183,8 @@ void CItemTreeView::Decorate(QTreeWidgetItem* entry, const CItem& item)
 {
     m_Decorating = true;
     entry->setText(0, ToQString(item.GetCaption()));
-    entry->setIcon(0, ItemIcon(item, style()));
+    entry->setIcon(0,
+                   HasEnabledAlarm(item) ? WithAlarmMark(ItemIcon(item, style())) : ItemIcon(item, style()));
     const CItemExtendedData* data = item.FindExtendedData();
     const auto text = data ? data->TextColour() : std::nullopt;
     const auto back = data ? data->BackColour() : std::nullopt;

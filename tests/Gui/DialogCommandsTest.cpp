@@ -132,6 +132,11 @@ TEST_F(DialogCommandsSession, AnAlarmThatFellDueWhileTheProgramWasClosedIsOffere
     ASSERT_EQ(reminder->DueList()->topLevelItemCount(), 1);
     EXPECT_EQ(reminder->DueList()->topLevelItem(0)->text(1), QStringLiteral("Buy bread"));
 
+    // The item with the alarm carries the alarm mark on its icon in the tree.
+    CMainWindow& window = *app->MainWindow();
+    EXPECT_NE(TopLevel(window, QStringLiteral("Shopping"))->icon(0).pixmap(16).toImage(),
+              TopLevel(window, QStringLiteral("Roses"))->icon(0).pixmap(16).toImage());
+
     // Open selects the item; dismissing is stored, so the next start shows no reminder.
     reminder->OpenButton()->click();
     EXPECT_EQ(app->MainWindow()->CurrentItem(), ChildNamed(*app->Center()->GetRoot(), u"Shopping"));
